@@ -1,0 +1,27 @@
+#!/usr/bin/env bash
+# Installs what building and testing need, skipping whatever is already present.
+set -euo pipefail
+
+missing=()
+have_cmd()  { command -v "$1" >/dev/null 2>&1; }
+have_file() { [ -e "$1" ]; }
+
+have_cmd g++     || missing+=(g++)
+have_cmd make    || missing+=(make)
+have_cmd cmake   || missing+=(cmake)
+have_cmd python3 || missing+=(python3)
+have_file /usr/include/boost/property_tree/ptree.hpp || missing+=(libboost-dev)
+have_file /usr/include/gtest/gtest.h                 || missing+=(libgtest-dev)
+have_file /usr/include/gmock/gmock.h                 || missing+=(libgmock-dev)
+have_file /usr/include/benchmark/benchmark.h         || missing+=(libbenchmark-dev)
+
+if [ ${#missing[@]} -eq 0 ]; then
+    exit 0
+fi
+
+echo "setup: installing ${missing[*]}"
+sudo_cmd=()
+[ "$(id -u)" -eq 0 ] || sudo_cmd=(sudo)
+export DEBIAN_FRONTEND=noninteractive
+"${sudo_cmd[@]}" apt-get update -qq
+"${sudo_cmd[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}"

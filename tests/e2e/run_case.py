@@ -1,0 +1,105 @@
+#!/usr/bin/env python3
+"""Runs the advzorv binary on one fixture directory and compares what it did.
+
+A case directory holds:
+  args              the arguments, one per line, passed as they stand (no shell)
+  input/            files copied into a fresh working directory, where the tool runs
+  expected/status   the exit status (a number; -1 is written as 255)
+  expected/stdout   exact standard output (missing file: must be empty)
+  expected/stderr   exact standard error (missing file: must be empty)
+  expected/stderr.re, expected/stdout.re
+                    instead of the exact file: a regular expression the whole
+                    stream must match (for texts the system supplies, such as
+                    strerror words)
+  expected/files/   files the working directory must hold afterwards, compared exactly
+  signal            optional: the name of a signal (SIGINT, SIGTERM, ...). The tool
+                    then reads its command file from the FIFO "cmd.fifo" in the
+                    working directory; the signal is sent while it waits for input.
+The program is started with argv[0] "advzorv", so texts that show it are stable.
+"""
+import os
+import re
+import shutil
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+
+
+def read(path):
+    with open(path, "rb") as f:
+        return f.read().decode("utf-8", "replace")
+
+
+def compare_stream(case, name, actual, failures):
+    exact = os.path.join(case, "expected", name)
+    pattern = exact + ".re"
+    if os.path.exists(pattern):
+        if not re.fullmatch(read(pattern), actual, re.DOTALL):
+            failures.append(f"{name} does not match {pattern}:\n{actual}")
+        return
+    expected = read(exact) if os.path.exists(exact) else ""
+    if actual != expected:
+        failures.append(f"{name} differs.\n--- expected\n{expected}--- actual\n{actual}---")
+
+
+def run_with_signal(binary, args, work, signame):
+    fifo = os.path.join(work, "cmd.fifo")
+    os.mkfifo(fifo)
+    proc = subprocess.Popen(["advzorv", *args], executable=binary, cwd=work,
+                            stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                            stderr=subprocess.PIPE)
+    # Opening the write end waits until the tool has opened the FIFO for reading.
+    writer = os.open(fifo, os.O_WRONLY)
+    time.sleep(0.2)  # let the tool block in its read
+    proc.send_signal(getattr(signal, signame))
+    out, err = proc.communicate(timeout=20)
+    os.close(writer)
+    return proc.returncode, out, err
+
+
+def main():
+    binary, case = os.path.abspath(sys.argv[1]), os.path.abspath(sys.argv[2])
+    args_file = os.path.join(case, "args")
+    args = read(args_file).splitlines() if os.path.exists(args_file) else []
+    failures = []
+    with tempfile.TemporaryDirectory(prefix="advzorv-e2e-") as tmp:
+        work = os.path.join(tmp, "work")
+        inputs = os.path.join(case, "input")
+        if os.path.isdir(inputs):
+            shutil.copytree(inputs, work)
+        else:
+            os.mkdir(work)
+        signal_file = os.path.join(case, "signal")
+        if os.path.exists(signal_file):
+            status, out, err = run_with_signal(binary, args, work, read(signal_file).strip())
+        else:
+            done = subprocess.run(["advzorv", *args], executable=binary, cwd=work,
+                                  stdin=subprocess.DEVNULL, capture_output=True, timeout=60)
+            status, out, err = done.returncode, done.stdout, done.stderr
+        status &= 0xFF
+        expected_status = int(read(os.path.join(case, "expected", "status")).strip()) & 0xFF
+        if status != expected_status:
+            failures.append(f"exit status {status}, expected {expected_status}")
+        compare_stream(case, "stdout", out.decode("utf-8", "replace"), failures)
+        compare_stream(case, "stderr", err.decode("utf-8", "replace"), failures)
+        files = os.path.join(case, "expected", "files")
+        for root, _, names in os.walk(files):
+            for name in names:
+                rel = os.path.relpath(os.path.join(root, name), files)
+                produced = os.path.join(work, rel)
+                if not os.path.exists(produced):
+                    failures.append(f"{rel} was not written")
+                elif read(produced) != read(os.path.join(root, name)):
+                    failures.append(f"{rel} differs:\n{read(produced)}")
+    if failures:
+        print(f"FAIL {os.path.basename(case)}")
+        print("\n".join(failures))
+        return 1
+    print(f"ok {os.path.basename(case)}")
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
