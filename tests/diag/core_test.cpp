@@ -1,0 +1,106 @@
+// Showing, counting and stopping: the diagnostic core.
+#include <csignal>
+#include <cstdlib>
+#include <memory>
+#include <string>
+
+#include "DIAG/messages.h"
+#include "diag_fixture.h"
+
+namespace {
+
+using CoreTest = DiagTest;
+using CoreDeathTest = DiagTest;
+
+void report_error(int n) { DIAG::optgen_depdiag_error(__FILE__, __LINE__, std::to_string(n).c_str()).report(); }
+
+TEST_F(CoreTest, RemarkIsShownOnlyWithRemarksAndNeverCounts) {
+  EXPECT_EQ(DIAG::optgen_conflict_quiet_option(__FILE__, __LINE__, "-a", "-b").report(), 0);
+  EXPECT_EQ(output(), "");
+  DIAGNOSTIC::remarks_m = true;
+  DIAG::optgen_conflict_quiet_option(__FILE__, __LINE__, "-a", "-b").report();
+  EXPECT_EQ(output(), "remark: option -a clears preceding option -b\n");
+  EXPECT_EQ(DIAGNOSTIC::error_count_m, 0);
+}
+
+TEST_F(CoreTest, WarningsPrintButNeverCount) {
+  for (int i = 0; i < 1000; ++i) DIAG::optgen_depdiag_warning(__FILE__, __LINE__, "w").report();
+  EXPECT_EQ(DIAGNOSTIC::error_count_m, 0);
+  EXPECT_EQ(output().size(), 1000 * std::string("warning: w\n").size());
+  DIAGNOSTIC::warnings_m = false;
+  DIAG::optgen_depdiag_warning(__FILE__, __LINE__, "hidden").report();
+  EXPECT_EQ(output().find("hidden"), std::string::npos);
+}
+
+TEST_F(CoreTest, StreamFollowsTheSeverityUnlessRedirected) {
+  DIAGNOSTIC::fp_m = nullptr;
+  DIAG::optgen_depdiag_remark remark(__FILE__, __LINE__, "r");
+  DIAG::optgen_depdiag_warning warning(__FILE__, __LINE__, "w");
+  EXPECT_EQ(remark.fp(), stdout);
+  EXPECT_EQ(warning.fp(), stderr);
+  row(24038).severity = static_cast<dc_SEVERITY>(9);
+  EXPECT_EQ(remark.fp(), stderr);
+  EXPECT_STREQ(remark.sev_str(), "(unknown)");
+  EXPECT_FALSE(remark.suppress());
+}
+
+TEST_F(CoreTest, NullTextArgumentIsShownAsPrintfWould) {
+  DIAG::optgen_conflict_option(__FILE__, __LINE__, nullptr, "-b").report();
+  EXPECT_EQ(output(), "error: option (null) conflicts with previous option -b\n");
+}
+
+TEST_F(CoreDeathTest, HundredthErrorGoesOnAndTheNextOneEndsTheRun) {
+  DIAGNOSTIC::fp_m = nullptr;
+  EXPECT_EXIT(
+      {
+        for (int i = 1; i <= 100; ++i) report_error(i);
+        std::fputs("still running\n", stderr);
+        report_error(101);
+        std::exit(0);
+      },
+      ::testing::ExitedWithCode(1),
+      "error: 100\nstill running\nerror: 101\nfatal error: error limit reached; 100 errors detected\n$");
+}
+
+TEST_F(CoreDeathTest, FatalRowExitsAndInternalFatalRowAborts) {
+  DIAGNOSTIC::fp_m = nullptr;
+  EXPECT_EXIT(DIAG::optgen_no_small_memmodel(__FILE__, __LINE__).report(), ::testing::ExitedWithCode(1),
+              "^fatal error: Small memory model is no longer supported\n$");
+  EXPECT_EXIT(DIAG::gdie("t.cpp", 5, "gone").report(), ::testing::KilledBySignal(SIGABRT),
+              "^t.cpp:5:internal fatal error #99926: \\(gone\\)\n$");
+}
+
+TEST_F(CoreTest, DebugModeMakesErrorsAndFatalErrorsHarmless) {
+  DIAGNOSTIC::push_debug_mode(true);
+  DIAG::optgen_no_small_memmodel(__FILE__, __LINE__).report();
+  for (int i = 0; i < 150; ++i) report_error(i);
+  DIAGNOSTIC::pop_debug_mode();
+  EXPECT_FALSE(DIAGNOSTIC::debug_mode_m);
+  DIAGNOSTIC::debug_mode_m = true;
+  DIAGNOSTIC::pop_debug_mode();  // empty stack
+  EXPECT_FALSE(DIAGNOSTIC::debug_mode_m);
+  EXPECT_EQ(DIAGNOSTIC::error_count_m, 0);
+  EXPECT_EQ(output().rfind("fatal error: Small memory model is no longer supported\nerror: 0\n", 0), 0u);
+}
+
+TEST_F(CoreTest, AllocCopiesFieldsAndPositionAndEqualityIgnoresArgumentsAndApprox) {
+  DIAG_SRCINFO_DATA here("a.c", 4, 2, false), here_approx("a.c", 4, 2, true), next_line("a.c", 5, 2, false);
+  auto original = std::make_unique<DIAG::optgen_conflict_option>(__FILE__, __LINE__, "-x", "-y");
+  original->set_src(&here);
+  std::unique_ptr<DIAGNOSTIC> copy(original->alloc());
+  ASSERT_NE(copy->srcinfo, original->srcinfo);
+  DIAG::optgen_conflict_option other_args(__FILE__, __LINE__, "-p", "-q"), moved(__FILE__, __LINE__, "-x", "-y");
+  DIAG::optgen_conflict_override_option other_row(__FILE__, __LINE__, "-x", "-y");
+  other_args.set_src(&here_approx);
+  moved.set_src(&next_line);
+  other_row.set_src(&here);
+  EXPECT_TRUE(copy->is_equal(original.get()));
+  EXPECT_TRUE(copy->is_equal(&other_args));
+  EXPECT_FALSE(copy->is_equal(&moved));
+  EXPECT_FALSE(copy->is_equal(&other_row));
+  original.reset();
+  copy->report();
+  EXPECT_EQ(output(), "\"a.c\", line 4: error: option -x conflicts with previous option -y\n");
+}
+
+}  // namespace

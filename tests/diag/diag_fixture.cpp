@@ -1,0 +1,53 @@
+#include "diag_fixture.h"
+
+#include <stdexcept>
+
+void DiagTest::SetUp() {
+  out_ = std::tmpfile();
+  ASSERT_NE(out_, nullptr);
+  DIAGNOSTIC::fp_m = out_;
+  DIAGNOSTIC::wrap_enabled_m = true;
+  DIAGNOSTIC::warnings_m = true;
+  DIAGNOSTIC::advice_m = false;
+  DIAGNOSTIC::debug_m = false;
+  DIAGNOSTIC::remarks_m = false;
+  DIAGNOSTIC::verbose_m = false;
+  DIAGNOSTIC::display_code_m = false;
+  DIAGNOSTIC::display_ipos_m = false;
+  DIAGNOSTIC::wrap_headers_m = false;
+  DIAGNOSTIC::debug_mode_m = false;
+  DIAGNOSTIC::max_errors_m = 100;
+  DIAGNOSTIC::wrap_indent_m = 3;
+  DIAGNOSTIC::diag_cols_m = 79;
+  DIAGNOSTIC::indent_m = 0;
+  DIAGNOSTIC::debug_mode_stack_m = {};
+  DIAGNOSTIC::indent_stack_m = {};
+  DIAGNOSTIC::error_count_m = 0;
+  DIAGNOSTIC::saved_severities_m.clear();
+  severities_.clear();
+  for (const DIAG_INFO* r = DIAG_INFO_ENTRY; r->code != 0; ++r) severities_.push_back(r->severity);
+}
+
+void DiagTest::TearDown() {
+  DIAG_INFO* r = DIAG_INFO_ENTRY;
+  for (dc_SEVERITY sev : severities_) (r++)->severity = sev;
+  DIAGNOSTIC::fp_m = nullptr;
+  if (out_ != nullptr) std::fclose(out_);
+}
+
+std::string DiagTest::output() const {
+  std::fflush(out_);
+  std::rewind(out_);
+  std::string text;
+  char chunk[512];
+  size_t n;
+  while ((n = std::fread(chunk, 1, sizeof chunk, out_)) > 0) text.append(chunk, n);
+  std::fseek(out_, 0, SEEK_END);
+  return text;
+}
+
+DIAG_INFO& DiagTest::row(int code) {
+  DIAG_INFO* found = DIAGNOSTIC::get_info(code);
+  if (found == nullptr) throw std::runtime_error("no catalogue row " + std::to_string(code));
+  return *found;
+}

@@ -1,0 +1,25 @@
+#pragma once
+// Test fixture: every message goes to a temporary file, and the switches,
+// counters and row severities start from their defaults in each test.
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "DIAG/diag.h"
+
+class DiagTest : public ::testing::Test {
+ protected:
+  void SetUp() override;
+  void TearDown() override;
+
+  // Everything written to DIAGNOSTIC::fp_m since the test began.
+  std::string output() const;
+
+  static DIAG_INFO& row(int code);
+
+ private:
+  FILE* out_ = nullptr;
+  std::vector<dc_SEVERITY> severities_;
+};

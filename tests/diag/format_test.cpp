@@ -1,0 +1,111 @@
+// Line wrapping of printed messages and of text formatted for documents.
+#include <cstdlib>
+#include <string>
+
+#include "DIAG/messages.h"
+#include "diag_fixture.h"
+
+namespace {
+
+using FormatTest = DiagTest;
+
+// The message "error: <text>" of a row whose whole text is one placeholder.
+std::string reported(const std::string& text) {
+  DIAG::optgen_depdiag_error(__FILE__, __LINE__, text.c_str()).report();
+  return text;
+}
+
+// n words "abcd" separated by single blanks.
+std::string words(int n) {
+  std::string text;
+  for (int i = 0; i < n; ++i) text += i ? " abcd" : "abcd";
+  return text;
+}
+
+const std::string continuation = "\n   ";
+
+TEST_F(FormatTest, TextShorterThanTheRoomGoesOutWholeWithItsTrailingBlank) {
+  reported("short text ");
+  EXPECT_EQ(output(), "error: short text \n");
+}
+
+TEST_F(FormatTest, TextOfExactlyTheRoomLeftBreaksAtItsLastBlank) {
+  // "error: " leaves 72 columns.
+  const std::string text = std::string(69, 'x') + " yy";
+  ASSERT_EQ(text.size(), 72u);
+  reported(text);
+  EXPECT_EQ(output(), "error: " + std::string(69, 'x') + continuation + "yy\n");
+}
+
+TEST_F(FormatTest, BreakDropsTheWholeBlankRun) {
+  reported(std::string(60, 'x') + "    " + std::string(20, 'y'));
+  EXPECT_EQ(output(), "error: " + std::string(60, 'x') + continuation + std::string(20, 'y') + "\n");
+}
+
+TEST_F(FormatTest, BlankRightAfterTheLastColumnKeepsTheBlanksBeforeIt) {
+  // The break point is the character before a blank, even if it is a blank itself.
+  reported(std::string(70, 'x') + "   yyyy");
+  EXPECT_EQ(output(), "error: " + std::string(70, 'x') + "  " + continuation + "yyyy\n");
+}
+
+TEST_F(FormatTest, OverlongWordIsCutAtTheEndOfAContinuationLine) {
+  reported("hello world " + std::string(100, 'w'));
+  EXPECT_EQ(output(), "error: hello world" + continuation + std::string(76, 'w') + continuation +
+                          std::string(24, 'w') + "\n");
+}
+
+TEST_F(FormatTest, EmbeddedNewlineStartsAnIndentedLine) {
+  reported("first\nsecond");
+  DIAGNOSTIC::wrap_enabled_m = false;
+  reported(std::string(100, 'x') + "\nsecond");
+  EXPECT_EQ(output(), "error: first" + continuation + "second\n" + "error: " + std::string(100, 'x') +
+                          continuation + "second\n");
+}
+
+TEST_F(FormatTest, IndentAppliesToEveryLineOfAMessage) {
+  DIAGNOSTIC::push_indent(2);
+  DIAGNOSTIC::push_indent(1);
+  DIAGNOSTIC::pop_indent();
+  reported(words(20));
+  DIAGNOSTIC::pop_indent();
+  DIAGNOSTIC::indent_m = 4;
+  DIAGNOSTIC::pop_indent();  // empty stack
+  EXPECT_EQ(DIAGNOSTIC::indent_m, 0);
+  // "  error: " leaves 70 columns, continuation lines get 2 + 3 blanks and 74.
+  EXPECT_EQ(output(), "  error: " + words(14) + "\n     " + words(6) + "\n");
+}
+
+TEST_F(FormatTest, SpPrintLineWidthsAreExactly66And69) {
+  auto sp = [](const std::string& text) {
+    return std::string(DIAG::optgen_depdiag_error(__FILE__, __LINE__, text.c_str()).get_sp_buffer());
+  };
+  const std::string a60 = std::string(60, 'a') + " ", x66 = std::string(66, 'x') + " ";
+  const std::string next = "\n" + std::string(10, ' ');
+  EXPECT_EQ(sp(a60 + "bbbbb c"), a60 + "bbbbb" + next + "c");
+  EXPECT_EQ(sp(a60 + "bbbbbb c"), std::string(60, 'a') + next + "bbbbbb c");
+  EXPECT_EQ(sp(x66 + std::string(69, 'y') + " z"), std::string(66, 'x') + next + std::string(69, 'y') + next + "z");
+  EXPECT_EQ(sp(x66 + std::string(60, 'y') + " " + std::string(9, 'z')),
+            std::string(66, 'x') + next + std::string(60, 'y') + next + std::string(9, 'z'));
+}
+
+TEST_F(FormatTest, SpPrintKeepsEarlierResultsAndIgnoresSuppression) {
+  DIAG::shell_tunewise_results three(__FILE__, __LINE__, "3");
+  DIAG::shell_tunewise_results five(__FILE__, __LINE__, "5");
+  DIAGNOSTIC::wrap_enabled_m = false;  // as the advice document is built
+  ASSERT_TRUE(three.suppress());
+  const char* first = three.get_sp_buffer();
+  const char* second = five.get_sp_buffer();
+  EXPECT_STREQ(first,
+               "Tunewise completed and best results were obtained with speed vs size setting 3 "
+               "(--opt_for_speed=3).");
+  EXPECT_NE(std::string(second).find("setting 5 (--opt_for_speed=5)."), std::string::npos);
+}
+
+using FormatDeathTest = DiagTest;
+
+TEST_F(FormatDeathTest, TooNarrowLineStopsTheProcess) {
+  DIAGNOSTIC::diag_cols_m = 3;
+  EXPECT_DEATH(reported("text"), "diag_cols > \\(indent \\+ wrap_indent\\)");
+}
+
+}  // namespace

@@ -1,0 +1,70 @@
+#!/usr/bin/env python3
+"""Runs the catalogue generator on small catalogues; argv[1] is gen_diag.py."""
+
+import os
+import subprocess
+import sys
+import tempfile
+import unittest
+
+GENERATOR = None
+GOOD = ('10  error   -                  -        -        "plain %s"\n'
+        '11  advice  non_discretionary  twice    one_arg  "%s and %s"\n'
+        '12  fatal   internal           numbers  pattern  "from %u to %u in \\"%s\\""\n')
+
+
+class GeneratorTest(unittest.TestCase):
+    def generate(self, catalogue):
+        scratch = tempfile.TemporaryDirectory()
+        self.addCleanup(scratch.cleanup)
+        self.source = os.path.join(scratch.name, "cat.def")
+        self.outdir = os.path.join(scratch.name, "out")
+        with open(self.source, "w", encoding="utf-8") as out:
+            out.write(catalogue)
+        return subprocess.run([sys.executable, GENERATOR, self.source, self.outdir],
+                              capture_output=True, text=True, check=False)
+
+    def generated(self, name, prefix):
+        with open(os.path.join(self.outdir, name), encoding="utf-8") as inc:
+            return [l for l in inc.read().splitlines() if l.startswith(prefix)]
+
+    def expect_failure(self, catalogue, *messages):
+        result = self.generate(catalogue)
+        self.assertEqual(result.returncode, 1, result.stderr)
+        for message in messages:
+            self.assertIn("%s:%s" % (self.source, message), result.stderr)
+        self.assertFalse(os.path.exists(self.outdir))
+
+    def test_good_catalogue_gives_rows_and_classes(self):
+        self.assertEqual(self.generate("# comment\n\n" + GOOD).returncode, 0)
+        self.assertEqual(self.generated("diag_rows.inc", "DIAG_ROW"), [
+            'DIAG_ROW(10, error, false, false, "plain %s")',
+            'DIAG_ROW(11, advice, false, true, "%s and %s")',
+            'DIAG_ROW(12, fatal, true, false, "from %u to %u in \\"%s\\"")'])
+        self.assertEqual(self.generated("diag_classes.inc", "DIAG_CLASS"), [
+            "DIAG_CLASS(twice, 1, 11, one_arg, 2, str)",
+            "DIAG_CLASS(numbers, 2, 12, pattern, 3, u32, u32, str)"])
+
+    def test_bad_rows_are_reported_by_line(self):
+        self.expect_failure(
+            GOOD + '12  error  -  -  -  "again"\n'
+            '5  loud   -        -     -        "x"\n'
+            '13 error  special  -     -        "x"\n'
+            '14 error  -        a     odd      "x"\n'
+            '15 error  -        b     pattern  "%d items"\n'
+            '16 error  -        twice paren    "%u"\n'
+            '17 error  -        -     -        "unterminated\n'
+            '18 error  -        str   pattern  "x"\n',
+            "4: code 12 is duplicate", "5: unknown severity 'loud'",
+            "6: unknown flag 'special'", "7: unknown form 'odd'", "8: placeholder '%d'",
+            "9: form paren needs exactly one %s", "10: std_msg must be",
+            "11: class name 'str' is reserved")
+
+    def test_order_and_class_names_are_checked_across_rows(self):
+        self.expect_failure(GOOD + '11  error  -  twice  pattern  "b"\n',
+                            "4: code 11 is out of order", "4: class twice already used on line 2")
+
+
+if __name__ == "__main__":
+    GENERATOR = sys.argv.pop(1)
+    unittest.main()
