@@ -1,0 +1,188 @@
+#pragma once
+// The table-driven option engine: the run-time state of one command line
+// over a constant option table. option_obj and option_obj_shell are this
+// engine bound to their tables.
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "options/option_table.h"
+
+class DIAGNOSTIC;
+
+// Names a generated part of a table in #include: OO_STRINGIFY(options/x.inc).
+#define OO_STRINGIFY_(text) #text
+#define OO_STRINGIFY(text) OO_STRINGIFY_(text)
+
+
+// An owned copy of a text argument. The characters stay where they are when
+// the argument itself moves, so a text handed out by getstrarg survives
+// further arguments being added to the same option.
+class arg_text {
+ public:
+  arg_text() = default;
+  arg_text(const arg_text& other) { *this = other.c_str(); }
+  arg_text(arg_text&&) noexcept = default;
+  arg_text& operator=(const arg_text& other) {
+    if (this != &other) *this = other.c_str();
+    return *this;
+  }
+  arg_text& operator=(arg_text&&) noexcept = default;
+  arg_text& operator=(const std::string& text) {
+    chars_ = std::make_unique<char[]>(text.size() + 1);
+    text.copy(chars_.get(), text.size());
+    chars_[text.size()] = '\0';
+    return *this;
+  }
+  const char* c_str() const { return chars_ ? chars_.get() : ""; }
+
+ private:
+  std::unique_ptr<char[]> chars_;
+};
+
+// One stored argument; texts for kinds 1 and 5, numbers otherwise.
+struct option_arg {
+  int64_t value = 0;
+  arg_text text;
+};
+
+class option_engine {
+ public:
+  // Tools whose files can be noted in the history.
+  enum tool_name : int {
+    tn_abszorv, tn_aczorv, tn_aczcop, tn_aciazorv, tn_aciazcop, tn_advzorv,
+    tn_arzorv, tn_asmzorv, tn_cbezorv, tn_cbeiazorv, tn_cgzorv, tn_cgzcop,
+    tn_demzorv, tn_diszorv, tn_lnkzorv, tn_embedzorv, tn_embedded_options,
+    tn_hexzorv, tn_ilkzorv, tn_clistzorv, tn_mkzorv, tn_nmzorv, tn_ocszorv,
+    tn_ofdzorv, tn_optzorv, tn_optzcop, tn_pddzorv, tn_pprofzorv, tn_clzorv,
+    tn_stripzorv, tn_xrefzorv,
+  };
+
+  explicit option_engine(const option_table& table);
+  option_engine(const option_engine& other);
+  option_engine& operator=(const option_engine& other);
+  virtual ~option_engine() = default;
+
+  // --- state (public: the rest of the system reads option_state directly)
+  uint8_t debug = 0;
+  std::vector<int32_t> option_state;
+  std::vector<uint8_t> option_form;
+  std::vector<uint32_t> option_seen;
+  std::vector<uint32_t> option_parsed;
+  std::vector<std::vector<option_arg>> option_args;
+  const char* current_option = nullptr;
+  const char* source_name = "<internal>";
+  std::vector<std::pair<int, hist_argument>> history;
+  std::string command_line;
+  bool merging = false;
+  int32_t error_count = 0;
+
+  const option_table& table() const { return *table_; }
+
+  // --- asking
+  int isclass(int id, int cls) const;
+  int testclass(int cls) const;
+  unsigned seenclass(int cls) const;
+  int getargcount(int id) const;
+  long getnumarg(int id, unsigned index) const;
+  const char* getstrarg(int id, unsigned index) const;
+  void get_argument(int id, an_argument_t* arg) const;
+  int args_match_list(int id, const char* const* list) const;
+  int debug_level(int) const { return debug; }
+  const char* input_command_line() const { return command_line.c_str(); }
+
+  // --- setting
+  void setopt_internal(int id);
+  void setopt(int id);
+  void setopt(int id, long value);
+  void setopt(int id, const char* value);
+  void setclassmembers(int cls);
+  void setarg(int id, long value);
+  void setarg(int id, const char* value);
+  void register_option_form(int id, unsigned char form);
+  void parsed_option(int id);
+  void clearopt(int id);
+  void clearclassmembers(int cls);
+  void add_to_history(int id);
+  void clear_history(int id);
+  void record_input_command_line(int argc, char** argv);
+  void addfileopt(const std::string& file, const std::string& tool);
+  // The set sequence shared by defaults, derived settings and options that
+  // set others: record, store the word (if any), note in the history.
+  void apply(int id, const char* word);
+  // Applies the settings that the table has an option make as well.
+  void apply_also_sets(int id);
+
+  // --- scanning
+  int process_option(const char* text, const char** error_pos);
+  void deprecated_case(const char* end, const char* canonical);
+
+  // --- arguments
+  const char* parse_arg(int id, const char* rest, const char* name, int type,
+                        const arg_range* range);
+  int parse_oneof(int id, const char* rest, const char* name, int type, long* value);
+  void check_numerical_arg(int type, int id, const char* name, const char* arg,
+                           const arg_range* range);
+  static int get_radix(char* text);
+  static long strtol_by_radix(const char* text, int* bad);
+  static unsigned long strtoul_by_radix(const char* text, int* bad);
+
+  // --- conflicts and dependencies
+  void do_conflicts(int id);
+  int report_diagnostic(DIAGNOSTIC& diag);
+  virtual void post_process_option_depends();
+
+  // --- export and listing
+  static const char* rot13(const char* text);
+  const char* format_of_option(int id) const;
+  const char* internal_option_string(int id) const;
+  char* export_option(int id, int index) const;
+  int* export_option_list(int type) const;
+  int* export_option_class(int type, int cls) const;
+  std::vector<optlist> export_option_pairs(int type, int cls) const;
+  std::vector<int> class_list_for_option(int id) const;
+  char* print() const;
+  void dump(int all) const;
+  void dump_history() const;
+  int display_option_help(const char* topic, int keep_going) const;
+  void dump_basic_class() const;
+  void dump_class(int help_class) const;
+  static const char* get_opt_txt(const char* long_form, const char* const* alt_forms,
+                                 const char* short_form, const char* arg_text,
+                                 int optional);
+
+  // Class-wide maps of tools to their file options.
+  static const std::map<std::string, tool_name>& tool_cmd_map();
+  std::map<tool_name, int> tn_fileopt_map() const;
+
+  // Ends the run after a bad argument: exit status 1.
+  [[noreturn]] static void end_run();
+
+ protected:
+  // Sets the table's defaults; the families call it from their constructors.
+  void set_defaults();
+
+ private:
+  const option_table* table_;
+
+  bool valid(int id) const { return id >= 0 && static_cast<unsigned>(id) < table_->n; }
+  const option_row& row(int id) const { return table_->rows[id]; }
+  uint8_t kind(int id) const { return table_->parm_type[id]; }
+  bool is_list_kind(int id) const;
+  void release_args(int id);
+  const char* item_word(int id, long value) const;
+  std::string value_text(int id, unsigned index) const;
+  void trace(const char* format, ...) const;
+  void trace_arg(int id) const;
+
+  // scanner internals
+  int walk(char implied, const char* text, const char** end) const;
+  bool takes_what_follows(const scan_row& spelling, const char* rest) const;
+  const char* run_handler(const scan_row& spelling, const char* rest, char* implied);
+  [[noreturn]] void run_help(const scan_row& spelling, const char* rest);
+  void after_store(const scan_row& spelling, const char* rest);
+  [[noreturn]] void scan_failure(const char* pos);
+};

@@ -1,0 +1,174 @@
+// Naming, export, dumps and help over the synthetic table.
+#include <unistd.h>
+#include <cstdlib>
+#include <cstring>
+
+#include "test_family.h"
+
+namespace {
+
+using T = option_obj_test;
+
+class export_ : public options_fixture {
+ protected:
+  T opts;
+  int run(const char* text) { return opts.process_option(text, nullptr); }
+  std::string exported(int id, int index) {
+    char* text = opts.export_option(id, index);
+    std::string result = text ? text : "(null)";
+    std::free(text);
+    return result;
+  }
+  std::string help_on(const char* topic, int* matched = nullptr) {
+    ::testing::internal::CaptureStdout();
+    int result = opts.display_option_help(topic, 1);
+    if (matched) *matched = result;
+    return ::testing::internal::GetCapturedStdout();
+  }
+};
+
+TEST(rot13, IsItsOwnInverseAndSwapsDashAndPercent) {
+  std::string scrambled = option_engine::rot13("--Help_me-Zz%");
+  EXPECT_EQ(scrambled, "%%Uryc_zr%Mm-");
+  EXPECT_STREQ(option_engine::rot13(scrambled.c_str()), "--Help_me-Zz%");
+  EXPECT_STREQ(option_engine::rot13(nullptr), "");
+}
+
+TEST(rot13, AResultLivesForFourFurtherCalls) {
+  const char* first = option_engine::rot13("one");
+  for (const char* text : {"two", "three", "four", "five"}) option_engine::rot13(text);
+  EXPECT_STREQ(first, "bar");
+  const char* sixth = option_engine::rot13("six");
+  EXPECT_EQ(sixth, first);  // the ring has come round
+  std::string long_text(500, 'a');
+  const char* seventh = option_engine::rot13(long_text.c_str());
+  EXPECT_EQ(std::string(seventh), std::string(500, 'n'));
+}
+
+TEST_F(export_, FormatOfOptionFollowsTheSpellingUsed) {
+  run("v");
+  EXPECT_STREQ(opts.format_of_option(T::VERBOSE), "-v");
+  run("-verbose");
+  EXPECT_STREQ(opts.format_of_option(T::VERBOSE), "--verbose");
+  run("gt");  // accepted, but not among the further spellings
+  EXPECT_STREQ(opts.format_of_option(T::TRACE), "--trace");
+  run("c");
+  EXPECT_STREQ(opts.format_of_option(T::TRACE), "-c");
+  EXPECT_EQ(opts.format_of_option(T::OPTION_COUNT), nullptr);
+  EXPECT_STREQ(opts.internal_option_string(T::TRACE), "--trace");
+}
+
+TEST_F(export_, ExportGivesParsableText) {
+  run("-color=red");
+  run("v");
+  run("n=a");
+  run("n=b");
+  EXPECT_EQ(exported(T::COLOR, 0), "--color=red");
+  EXPECT_EQ(exported(T::VERBOSE, 0), "--verbose");
+  EXPECT_EQ(exported(T::NAMES, 1), "--names=b");
+  EXPECT_EQ(exported(T::NAMES, 2), "(null)");
+  EXPECT_EQ(exported(T::ALPHA_BETA, 0), "(null)");  // not set
+  opts.clearopt(T::COLOR);
+  EXPECT_EQ(exported(T::COLOR, 0), "(null)");  // cleared
+  run("-zip");
+  EXPECT_EQ(exported(T::ZIP, 0), "--zip");  // set without a value
+  char* line = opts.print();
+  EXPECT_STREQ(line, "--keep=high --names=a --names=b --verbose --zip");
+  std::free(line);
+}
+
+TEST_F(export_, ListsChooseBySeenAndSetAndClass) {
+  run("-alpha");
+  run("-alpha_beta=x");
+  opts.clearopt(T::ALPHA_BETA);
+  int* seen = opts.export_option_list(export_seen_or_set);
+  EXPECT_EQ(seen[0], T::ALPHA);
+  EXPECT_EQ(seen[1], T::ALPHA_BETA);
+  EXPECT_EQ(seen[2], T::KEEP);
+  EXPECT_EQ(seen[3], T::OPTION_COUNT);
+  int* set_in_class = opts.export_option_class(export_set, 1);
+  EXPECT_EQ(set_in_class[0], T::ALPHA);
+  EXPECT_EQ(set_in_class[1], T::OPTION_COUNT);
+  int* out_of_range = opts.export_option_class(export_all, 9);
+  EXPECT_EQ(out_of_range[0], T::OPTION_COUNT);
+  for (int* list : {seen, set_in_class, out_of_range}) std::free(list);
+  std::vector<optlist> pairs = opts.export_option_pairs(export_set, 0);
+  ASSERT_EQ(pairs.size(), 2u);
+  EXPECT_EQ(pairs[1].id, T::KEEP);
+  EXPECT_EQ(pairs[1].text, "--keep=high");
+  EXPECT_TRUE(opts.export_option_pairs(export_set, 4).empty());
+}
+
+TEST_F(export_, DumpsShowStateAndHistory) {
+  ::testing::internal::CaptureStdout();
+  T(false).dump(0);
+  EXPECT_EQ(::testing::internal::GetCapturedStdout(), "");
+  run("-color=green");
+  run("-zip");
+  opts.addfileopt("x.c", "clzorv");
+  ::testing::internal::CaptureStdout();
+  opts.dump(0);
+  opts.dump_history();
+  std::string out = ::testing::internal::GetCapturedStdout();
+  EXPECT_NE(out.find("--color                    ENUMERATED ARG: green\n"), std::string::npos);
+  EXPECT_NE(out.find("--zip                      STRING ARG: <arg not provided>\n"),
+            std::string::npos);
+  EXPECT_NE(out.find("--keep=high\n--color=green\n--zip\n"), std::string::npos);
+  EXPECT_NE(out.find("=x.c\n"), std::string::npos);
+}
+
+TEST_F(export_, LeftColumnOfHelp) {
+  const option_row& trace = opts.table().rows[T::TRACE];
+  EXPECT_STREQ(T::get_opt_txt(trace.long_form, trace.alt_forms, trace.short_form, trace.arg_text,
+                              trace.arg_optional),
+               "-c,--trace");
+  const option_row& mode = opts.table().rows[T::MODE];
+  EXPECT_STREQ(T::get_opt_txt(mode.long_form, mode.alt_forms, mode.short_form, mode.arg_text,
+                              mode.arg_optional),
+               "--mode,-m[=mode]");
+}
+
+TEST_F(export_, HelpTopicMatchesNamesByPrefixAndTextsAnywhere) {
+  int matched = 0;
+  std::string out = help_on("--NUM", &matched);
+  EXPECT_EQ(matched, 1);
+  EXPECT_NE(out.find("--number=count"), std::string::npos);
+  EXPECT_NE(out.find("--numbers=value_list"), std::string::npos);
+  EXPECT_EQ(out.find("--level"), std::string::npos);
+  out = help_on("CHOICE");  // help texts, in any case
+  EXPECT_NE(out.find("--color=color"), std::string::npos);
+  EXPECT_NE(out.find("--shapes=shape"), std::string::npos);
+  out = help_on("reachable");  // internal rows never show
+  EXPECT_EQ(out, "");
+  help_on("nothing at all", &matched);
+  EXPECT_EQ(matched, 0);
+}
+
+TEST_F(export_, HelpLineBreaksAfterALeftColumnOfTwentyCharacters) {
+  std::string twenty = help_on("--numbers");   // "--numbers=value_list"
+  std::string twenty_one = help_on("--alpha_beta");  // "--alpha_beta=wordtext"
+  EXPECT_EQ(twenty.rfind("  --numbers=value_list    A list", 0), 0u) << twenty;
+  EXPECT_EQ(twenty_one.rfind("  --alpha_beta=wordtext \n" + std::string(26, ' ') + "A text", 0), 0u)
+      << twenty_one;
+}
+
+TEST_F(export_, HelpWithoutMatchEndsWithItsMessage) {
+  EXPECT_EXIT({ dup2(2, 1); opts.display_option_help("zzz", 0); },
+              ::testing::ExitedWithCode(0), ">> Help: No options match the string 'zzz'");
+}
+
+TEST_F(export_, OverviewListsTheGroupsUnderTheProgramsName) {
+  T::executable_name = "/usr/local/bin/tester";
+  std::string out = help_on(nullptr);
+  EXPECT_NE(out.find("Usage: tester [-options] filename\n"), std::string::npos);
+  EXPECT_NE(out.find("'tester --help <text>' to search options"), std::string::npos);
+  size_t main_group = out.find("Main Options:");
+  size_t numbers_group = out.find("Number Options:");
+  ASSERT_NE(main_group, std::string::npos);
+  ASSERT_NE(numbers_group, std::string::npos);
+  EXPECT_LT(main_group, numbers_group);
+  EXPECT_EQ(out.find("Basic Options:"), std::string::npos);  // no row has a basic order
+  EXPECT_EQ(out.find("--internal_row"), std::string::npos);
+}
+
+}  // namespace

@@ -1,0 +1,217 @@
+// State of an option object: history, clearing, classes, conflicts, copies.
+#include <cstdlib>
+
+#include "test_family.h"
+
+namespace {
+
+using T = option_obj_test;
+using ::testing::ExitedWithCode;
+
+class state : public options_fixture {
+ protected:
+  T opts;
+  int run(const char* text) { return opts.process_option(text, nullptr); }
+  int history_entries(int id) const {
+    int count = 0;
+    for (const auto& entry : opts.history) count += entry.first == id;
+    return count;
+  }
+};
+
+TEST_F(state, ConstructorDefaultsAreSetButNotParsed) {
+  EXPECT_EQ(opts.option_state[T::KEEP], 1);
+  EXPECT_EQ(opts.option_parsed[T::KEEP], 0);
+  EXPECT_STREQ(opts.getstrarg(T::KEEP, 0), "high");
+  T bare(false);
+  EXPECT_EQ(bare.option_state[T::KEEP], 0);
+  EXPECT_TRUE(bare.history.empty());
+}
+
+TEST_F(state, ListOptionKeepsAnEntryPerSetting) {
+  run("-names=a");
+  const char* first = opts.getstrarg(T::NAMES, 0);
+  for (const char* more : {"n=b", "n=c", "n=d", "n=e", "n=f"}) run(more);
+  EXPECT_EQ(opts.getargcount(T::NAMES), 6);
+  EXPECT_EQ(history_entries(T::NAMES), 6);
+  EXPECT_EQ(opts.history.back().second.text, "f");
+  EXPECT_STREQ(first, "a");  // a borrowed text outlives later additions
+}
+
+TEST_F(state, SetargOnAnUnseenOptionSetsItFirst) {
+  opts.setarg(T::NUMBER, 12L);
+  EXPECT_EQ(opts.option_state[T::NUMBER], 1);
+  ASSERT_EQ(history_entries(T::NUMBER), 1);
+  EXPECT_EQ(opts.history.back().second.text, "");  // noted before the value came
+  EXPECT_EQ(opts.getnumarg(T::NUMBER, 0), 12);
+  opts.setarg(T::ALPHA_BETA, nullptr);  // a null text does nothing
+  EXPECT_EQ(opts.option_state[T::ALPHA_BETA], 0);
+}
+
+TEST_F(state, TextArgumentsConvertToNumbersByRadix) {
+  opts.setopt(T::ALPHA_BETA, "0x10");
+  EXPECT_EQ(opts.getnumarg(T::ALPHA_BETA, 0), 16);
+  opts.setopt(T::COLOR, "green");
+  EXPECT_EQ(opts.getnumarg(T::COLOR, 0), T::ITEM_COLOR_GREEN);
+  opts.setarg(T::COLOR, 99L);  // no item has it: printed as the number
+  EXPECT_STREQ(opts.getstrarg(T::COLOR, 0), "99");
+  EXPECT_EQ(opts.getstrarg(T::COLOR, 1), nullptr);
+}
+
+TEST_F(state, ClearoptResetsAllButSeenFormAndParsed) {
+  run("n=x");
+  opts.clearopt(T::NAMES);
+  EXPECT_EQ(opts.option_state[T::NAMES], 0);
+  EXPECT_EQ(opts.option_seen[T::NAMES], 2u);
+  EXPECT_EQ(opts.option_parsed[T::NAMES], 1u);
+  EXPECT_EQ(opts.option_form[T::NAMES], 1);
+  EXPECT_EQ(opts.getstrarg(T::NAMES, 0), nullptr);
+  EXPECT_EQ(opts.getargcount(T::NAMES), 0);
+  EXPECT_EQ(history_entries(T::NAMES), 0);
+}
+
+TEST_F(state, PersistentOptionSurvivesClearing) {
+  opts.clearopt(T::KEEP);
+  opts.clearclassmembers(3);
+  EXPECT_EQ(opts.option_state[T::KEEP], 1);
+  EXPECT_STREQ(opts.getstrarg(T::KEEP, 0), "high");
+  EXPECT_EQ(history_entries(T::KEEP), 1);
+}
+
+TEST_F(state, ClassesCountMembersAndClassZeroMeansAll) {
+  EXPECT_EQ(opts.isclass(T::ZIP, 0), 1);
+  EXPECT_EQ(opts.isclass(T::ZIP, 1), 0);
+  EXPECT_EQ(opts.isclass(T::ALPHA_BETA, 2), 1);
+  EXPECT_EQ(opts.isclass(T::ALPHA, 4), 0);
+  EXPECT_EQ(opts.isclass(T::OPTION_COUNT, 0), 0);
+  opts.setopt(T::class_id(1));
+  EXPECT_EQ(opts.option_state[T::ALPHA], 1);
+  EXPECT_EQ(opts.option_state[T::ALPHA_BETA], 1);
+  EXPECT_EQ(opts.testclass(1), 2);
+  EXPECT_EQ(opts.testclass(0), 0);
+  EXPECT_EQ(opts.seenclass(0), 0u);
+  opts.clearopt(T::class_id(1));
+  EXPECT_EQ(opts.testclass(1), 0);
+  EXPECT_EQ(opts.seenclass(1), 4u);
+}
+
+TEST_F(state, ArgumentsMatchAListExactly) {
+  run("n=one");
+  run("n=two");
+  const char* hit[] = {"zero", "two", nullptr};
+  const char* miss[] = {"TWO", nullptr};
+  const char* none[] = {nullptr};
+  EXPECT_EQ(opts.args_match_list(T::NAMES, hit), 1);
+  EXPECT_EQ(opts.args_match_list(T::NAMES, miss), 0);
+  EXPECT_EQ(opts.args_match_list(T::NAMES, none), 0);
+  EXPECT_EQ(opts.args_match_list(T::ALPHA, hit), 0);
+}
+
+TEST_F(state, GetArgumentDescribesTheStoredValues) {
+  run("-alpha");
+  run("n=one");
+  run("n=two");
+  run("-hex=10h");
+  an_argument_t arg;
+  opts.get_argument(T::ALPHA, &arg);
+  EXPECT_EQ(arg.type, 4u);
+  opts.get_argument(T::HEX, &arg);
+  EXPECT_EQ(arg.type, 1u);
+  EXPECT_EQ(arg.value.unum, 16u);
+  opts.get_argument(T::NAMES, &arg);
+  ASSERT_EQ(arg.type, 3u);
+  ASSERT_EQ(arg.count, 2u);
+  EXPECT_STREQ(arg.value.list[1].value.text, "two");
+  std::free(arg.value.list);
+}
+
+TEST_F(state, QuietConflictClearsWithoutAWordUnlessDebugging) {
+  diag_capture capture;
+  run("-quiet_a");
+  run("-quiet_b");
+  EXPECT_EQ(opts.option_state[T::QUIET_A], 0);
+  EXPECT_EQ(opts.option_state[T::QUIET_B], 1);
+  EXPECT_EQ(capture.text(), "");
+  DIAGNOSTIC::remarks_m = true;
+  opts.debug = 1;
+  ::testing::internal::CaptureStdout();  // debug trace lines
+  run("-quiet_a");
+  ::testing::internal::GetCapturedStdout();
+  EXPECT_NE(capture.text().find("option --quiet_a clears preceding option --quiet_b"),
+            std::string::npos);
+}
+
+TEST_F(state, OverrideWarnsAndTheLaterOptionWinsInEitherOrder) {
+  diag_capture capture;
+  run("g");
+  run("-over_a");
+  EXPECT_EQ(opts.option_state[T::OVER_B], 0);
+  EXPECT_EQ(history_entries(T::OVER_B), 0);
+  run("ga");  // the same option again: no conflict with itself
+  run("-over_b");
+  EXPECT_EQ(opts.option_state[T::OVER_A], 0);
+  EXPECT_EQ(opts.option_state[T::OVER_B], 1);
+  std::string text = capture.text();
+  EXPECT_NE(text.find("option --over_a overrides preceding option -g\n"), std::string::npos);
+  EXPECT_NE(text.find("option --over_b overrides preceding option -ga"), std::string::npos);
+  EXPECT_EQ(opts.error_count, 0);
+}
+
+TEST_F(state, HardConflictEndsTheRunAtTheSecondOption) {
+  run("-hard_a");
+  EXPECT_EXIT(run("-hard_b"), ExitedWithCode(1),
+              "option --hard_b conflicts with previous option --hard_a");
+  opts.merging = true;  // a merge looks at no conflict
+  run("-hard_b");
+  EXPECT_EQ(opts.option_state[T::HARD_A], 1);
+}
+
+TEST_F(state, CopyIsDeepAndStartsWithoutHistory) {
+  run("n=one");
+  run("-color=red");
+  opts.error_count = 3;
+  T copy(opts);
+  run("n=two");
+  opts.clearopt(T::COLOR);
+  EXPECT_EQ(copy.getargcount(T::NAMES), 1);
+  EXPECT_STREQ(copy.getstrarg(T::NAMES, 0), "one");
+  EXPECT_STREQ(copy.getstrarg(T::COLOR, 0), "red");
+  EXPECT_TRUE(copy.history.empty());
+  EXPECT_EQ(copy.error_count, 0);
+  EXPECT_EQ(copy.option_parsed[T::NAMES], 1u);
+}
+
+TEST_F(state, AssignmentKeepsTheTargetsHistoryAndCount) {
+  T target;
+  target.process_option("-alpha", nullptr);
+  target.error_count = 2;
+  run("-color=green");
+  target = opts;
+  EXPECT_STREQ(target.getstrarg(T::COLOR, 0), "green");
+  EXPECT_EQ(target.option_state[T::ALPHA], 0);
+  EXPECT_EQ(target.history.size(), 2u);  // KEEP and ALPHA, its own
+  EXPECT_EQ(target.error_count, 2);
+  target = target;
+  EXPECT_STREQ(target.getstrarg(T::COLOR, 0), "green");
+}
+
+TEST_F(state, FileOptionsEnterTheHistoryByTool) {
+  diag_capture capture;
+  opts.addfileopt("a.asm", "asmzorv");
+  opts.addfileopt("b.hex", "hexzorv");  // after the gap of embedded_options
+  opts.addfileopt("c.x", "nosuchtool");
+  opts.addfileopt("", "asmzorv");
+  ASSERT_EQ(opts.history.size(), 4u);
+  EXPECT_EQ(opts.history[1].first, 40 + 7);
+  EXPECT_EQ(opts.history[2].first, 40 + 16);
+  EXPECT_EQ(opts.history[3].first, 40);
+  EXPECT_EQ(opts.history[3].second.number, -1);
+  EXPECT_NE(capture.text().find("No known tool \"nosuchtool\" when adding file to option list."),
+            std::string::npos);
+  EXPECT_EQ(opts.class_list_for_option(47), std::vector<int>{0});
+  EXPECT_TRUE(opts.class_list_for_option(T::OPTION_COUNT).empty());
+  EXPECT_TRUE(opts.class_list_for_option(71).empty());
+  EXPECT_EQ(opts.class_list_for_option(T::ALPHA_BETA), (std::vector<int>{0, 1, 2}));
+}
+
+}  // namespace

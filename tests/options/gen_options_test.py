@@ -1,0 +1,68 @@
+#!/usr/bin/env python3
+"""The option table generator refuses bad sources with FILE:LINE messages."""
+import os
+import subprocess
+import sys
+import tempfile
+import unittest
+
+GENERATOR = sys.argv.pop(1) if len(sys.argv) > 1 else "tools/gen_options.py"
+
+HEADER = """table option_obj_x
+  debug_prefix "x"
+  class_columns 2
+  alt_slots 1
+  fold_case no
+  first_fileopt 10
+help_class MAIN "Main:"
+"""
+
+
+def run(source):
+    with tempfile.TemporaryDirectory() as tmp:
+        path = os.path.join(tmp, "bad.opt")
+        with open(path, "w") as out:
+            out.write(source)
+        proc = subprocess.run([sys.executable, GENERATOR, path, tmp, "x"],
+                              capture_output=True, text=True)
+        return proc.returncode, proc.stderr.replace(path, "bad.opt"), sorted(os.listdir(tmp))
+
+
+class BadSources(unittest.TestCase):
+    def test_good_source_generates(self):
+        code, err, files = run(HEADER + "option A\n  spelling --a\n  help_class MAIN\n"
+                               "  help \"a\"\n")
+        self.assertEqual(code, 0, err)
+        self.assertIn("x_scan.inc", files)
+
+    def test_duplicate_option(self):
+        rec = "option A\n  spelling --a\n  help_class MAIN\n  help \"a\"\n"
+        code, err, _ = run(HEADER + rec + rec.replace("--a", "--b"))
+        self.assertEqual(code, 1)
+        self.assertIn("bad.opt:12: option A defined twice (first at line 8)", err)
+
+    def test_unknown_kind_and_item_outside_list(self):
+        code, err, _ = run(HEADER + "option A\n  spelling --a\n  kind strange\n"
+                           "  help_class MAIN\n  help \"a\"\n")
+        self.assertEqual(code, 1)
+        self.assertIn("bad.opt:10: bad option line 'kind strange'", err)
+
+    def test_default_word_must_be_an_item(self):
+        code, err, _ = run(HEADER + "option A\n  spelling --a\n  kind oneof\n  parse oneof\n"
+                           "  arg x\n  items +on +off\n  default maybe\n  help_class MAIN\n"
+                           "  help \"a\"\n")
+        self.assertEqual(code, 1)
+        self.assertIn("bad.opt:14: default 'maybe' is no item of A", err)
+
+    def test_conflicting_cells_and_duplicate_spelling(self):
+        code, err, _ = run(HEADER +
+                           "option A\n  spelling --a\n  help_class MAIN\n  help \"a\"\n"
+                           "  conflicts 2 B\n  conflicts 3 B\n"
+                           "option B\n  spelling --a\n  help_class MAIN\n  help \"b\"\n")
+        self.assertEqual(code, 1)
+        self.assertIn("bad.opt:13: conflict of A with B is both 2 and 3", err)
+        self.assertIn("bad.opt:15: spelling --a is already a spelling of A", err)
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,51 @@
+#pragma once
+// option_obj_test: the engine bound to the synthetic table engine_test.opt,
+// and a scripted argument stream for the scanner.
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "DIAG/diag.h"
+#include "options/option_engine.h"
+
+#define OO_TABLE_INC(part) OO_STRINGIFY(options/engine_test_##part.inc)
+
+class option_obj_test : public option_engine {
+#include "options/family_members.h"
+
+  explicit option_obj_test(bool with_defaults = true);
+};
+
+#undef OO_TABLE_INC
+
+// The tokens that next_arg hands out, in order; empty means end of stream.
+void script_tokens(std::vector<const char*> tokens);
+const char* scripted_next_arg();
+
+// Collects what diagnostics print while it lives (through DIAGNOSTIC::fp_m).
+class diag_capture {
+ public:
+  diag_capture();
+  ~diag_capture();
+  std::string text();
+
+ private:
+  FILE* file_;
+  FILE* saved_;
+};
+
+// Resets the class-wide switches that the engine reads or changes.
+class options_fixture : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    script_tokens({});
+    option_obj_test::next_arg = scripted_next_arg;
+    option_obj_test::executable_name = "<toolname>";
+    DIAGNOSTIC::error_count_m = 0;
+    DIAGNOSTIC::wrap_enabled_m = false;  // one line per message keeps the checks simple
+    DIAGNOSTIC::advice_m = false;
+    DIAGNOSTIC::remarks_m = false;
+  }
+};

@@ -1,0 +1,704 @@
+#!/usr/bin/env python3
+"""Generate the X-macro tables of one option table from its .opt source.
+
+Usage: gen_options.py SOURCE.opt OUTDIR PREFIX
+
+The source holds a table header, the help classes and one record per option
+(see options/optobj.opt for the format).  Everything numeric is derived here:
+option ids (alphabetical order of the internal names, compared in lower case),
+item values (lists numbered one after the other in row order, alphabetically
+inside a list), counts, the conflict matrix.  Stored names, help texts,
+argument names and class titles are scrambled with rot13.  Input errors are
+reported as FILE:LINE: message and end the script with status 1.
+"""
+import os
+import re
+import shlex
+import sys
+
+KINDS = {
+    "none": 0, "string": 1, "number": 2, "hexnum": 3, "oneof": 4,
+    "string_list": 5, "number_list": 6, "oneof_list": 7,
+}
+PARSE_TYPES = {
+    "number": 0, "number1": 1, "unsigned": 2, "text": 3, "text_list": 4,
+    "bounded_number": 5, "oneof": 6, "oneof_list": 7, "number8": 8,
+}
+OPTIONAL_OFFSET = 9
+NUMERIC_PARSE = {0, 1, 2, 5, 8}
+ONEOF_PARSE = {6, 7}
+# parse types a kind may use (required forms; the optional ones follow)
+KIND_PARSE = {1: {3}, 2: NUMERIC_PARSE, 3: NUMERIC_PARSE, 4: {6},
+              5: {4}, 6: NUMERIC_PARSE, 7: {7}}
+SEVERITIES = {"remark": 4, "warning": 5, "error": 6}
+CONTINUATIONS = {"end": 0, "cluster": 1, "family": 2}
+# Named handlers the engine provides; "rest" ones take the rest of the token.
+ACTIONS = {
+    "advice_file": False, "diag_wrap": False, "open_cmd_file": False,
+    "toolversion": False, "align_for_speed": False, "enum_type_int": False,
+    "verbose_template": True,
+    "help": False,   # the help handler: shows help instead of recording
+}
+HANDLER_NONE, HANDLER_ARG, HANDLER_ONEOF, HANDLER_HELP = range(4)
+SIGNED_MAX = 0x7FFFFFFFFFFFFFFF
+UNSIGNED_MAX = 0xFFFFFFFFFFFFFFFF
+NAME_RE = re.compile(r"^[A-Z][A-Z0-9_]*$")
+
+
+class SourceError(Exception):
+    pass
+
+
+def rot13(text):
+    out = []
+    for ch in text:
+        if ch == "%":
+            out.append("-")
+        elif ch == "-":
+            out.append("%")
+        elif "a" <= ch <= "z":
+            out.append(chr((ord(ch) - 97 + 13) % 26 + 97))
+        elif "A" <= ch <= "Z":
+            out.append(chr((ord(ch) - 65 + 13) % 26 + 65))
+        else:
+            out.append(ch)
+    return "".join(out)
+
+
+def c_str(text):
+    if text is None:
+        return "nullptr"
+    escaped = []
+    for ch in text:
+        if ch in '"\\':
+            escaped.append("\\" + ch)
+        elif ch == "\n":
+            escaped.append("\\n")
+        elif " " <= ch <= "~":
+            escaped.append(ch)
+        else:
+            raise ValueError("unsupported character %r" % ch)
+    # "??" could start a trigraph in older dialects; keep the output plain
+    return '"' + "".join(escaped).replace("??", '?""?') + '"'
+
+
+def word_ident(word):
+    ident = re.sub(r"[^A-Za-z0-9]", "_", word).upper()
+    return ident
+
+
+class Spelling:
+    def __init__(self, text, line):
+        self.text = text
+        self.line = line
+        self.scan_only = False    # scanned, but not in alt_forms
+        self.unscanned = False    # in the row, not known to the scanner
+        self.shown_first = False  # the row's short_form
+        self.quiet_case = False   # no case warning where the table folds
+        self.continuation = None
+        self.form = 0
+
+
+class Record:
+    def __init__(self, name, line):
+        self.name = name
+        self.line = line
+        self.fields = {}
+        self.spellings = []
+        self.kind = 0
+        self.parse = None
+        self.arg = ""
+        self.arg_text = None
+        self.range = None
+        self.flags = set()
+        self.help_class = None
+        self.classes = []
+        self.help = ""
+        self.long_help = ""
+        self.items = []
+        self.default_word = None
+        self.default = None
+        self.action = None
+        self.also_sets = []
+        self.deprecated = None
+        self.conflict_groups = []
+        self.conflicts = []
+        self.sort_order = 500
+        self.basic_order = 0
+        self.handler = None
+
+
+class Table:
+    def __init__(self):
+        self.family = None
+        self.debug_prefix = None
+        self.class_columns = None
+        self.alt_slots = None
+        self.fold_case = False
+        self.first_fileopt = None
+        self.short_groups = {}   # first letter (lower case) -> continuation
+        self.short_default = "cluster"
+        self.help_classes = []   # (ident, title, line)
+        self.records = []
+
+
+def tokens_of(path, lineno, text):
+    try:
+        return shlex.split(text, comments=False, posix=True)
+    except ValueError as err:
+        raise SourceError("%s:%d: %s" % (path, lineno, err))
+
+
+def parse_source(path):
+    table = Table()
+    errors = []
+    section = None
+    record = None
+    with open(path, encoding="utf-8") as src:
+        lines = src.read().split("\n")
+    for lineno, raw in enumerate(lines, 1):
+        stripped = raw.strip()
+        if not stripped or stripped.startswith("#"):
+            continue
+        where = "%s:%d" % (path, lineno)
+
+        def fail(msg):
+            errors.append("%s: %s" % (where, msg))
+
+        try:
+            toks = tokens_of(path, lineno, stripped)
+        except SourceError as err:
+            errors.append(str(err))
+            continue
+        indented = raw[0] in " \t"
+        key, args = toks[0], toks[1:]
+        if not indented:
+            record = None
+            if key == "table":
+                if len(args) != 1:
+                    fail("'table' takes the family's class name")
+                    continue
+                table.family = args[0]
+                section = "table"
+            elif key == "help_class":
+                if len(args) != 2 or not NAME_RE.match(args[0]):
+                    fail("'help_class' takes an upper-case name and a title")
+                    continue
+                table.help_classes.append((args[0], args[1], lineno))
+                section = None
+            elif key == "option":
+                if len(args) != 1 or not NAME_RE.match(args[0]):
+                    fail("'option' takes one upper-case internal name")
+                    continue
+                record = Record(args[0], lineno)
+                table.records.append(record)
+                section = "option"
+            else:
+                fail("unknown section '%s'" % key)
+                section = None
+            continue
+        if section == "table":
+            parse_table_line(table, key, args, fail)
+        elif section == "option" and record is not None:
+            parse_record_line(record, key, args, lineno, fail)
+        else:
+            fail("indented line outside a table header or option record")
+    return table, errors
+
+
+def parse_int(text, fail, what):
+    try:
+        return int(text, 0)
+    except ValueError:
+        fail("%s must be a number, not '%s'" % (what, text))
+        return None
+
+
+def parse_table_line(table, key, args, fail):
+    if key == "debug_prefix" and len(args) == 1:
+        table.debug_prefix = args[0]
+    elif key in ("class_columns", "alt_slots", "first_fileopt") and len(args) == 1:
+        setattr(table, key, parse_int(args[0], fail, key))
+    elif key == "fold_case" and len(args) == 1 and args[0] in ("yes", "no"):
+        table.fold_case = args[0] == "yes"
+    elif key == "short_default" and len(args) == 1 and args[0] in CONTINUATIONS:
+        table.short_default = args[0]
+    elif key == "short_group" and len(args) >= 2 and args[0] in CONTINUATIONS:
+        for letter in args[1:]:
+            if len(letter) != 1:
+                fail("short_group takes single characters, not '%s'" % letter)
+            elif letter.lower() in table.short_groups:
+                fail("character '%s' is in two short groups" % letter)
+            else:
+                table.short_groups[letter.lower()] = args[0]
+    else:
+        fail("bad table line '%s'" % " ".join([key] + args))
+
+
+def parse_record_line(rec, key, args, lineno, fail):
+    if key in rec.fields and key not in ("spelling", "also_sets", "conflicts",
+                                         "conflict_group"):
+        fail("'%s' given twice" % key)
+        return
+    rec.fields[key] = lineno
+    if key == "spelling":
+        if not args or not args[0].startswith("-"):
+            fail("a spelling begins with '-'")
+            return
+        sp = Spelling(args[0], lineno)
+        for flag in args[1:]:
+            if flag in ("scan_only", "unscanned", "shown_first", "quiet_case"):
+                setattr(sp, flag, True)
+            elif flag.startswith("continue=") and flag[9:] in CONTINUATIONS:
+                sp.continuation = flag[9:]
+            else:
+                fail("unknown spelling flag '%s'" % flag)
+        rec.spellings.append(sp)
+    elif key == "kind" and len(args) == 1 and args[0] in KINDS:
+        rec.kind = KINDS[args[0]]
+    elif key == "parse" and args:
+        optional = args[0] == "optional"
+        words = args[1:] if optional else args
+        if len(words) != 1 or words[0] not in PARSE_TYPES:
+            fail("unknown parse type '%s'" % " ".join(args))
+            return
+        rec.parse = PARSE_TYPES[words[0]] + (OPTIONAL_OFFSET if optional else 0)
+    elif key == "arg" and len(args) == 1:
+        rec.arg = args[0]
+    elif key == "arg_text" and len(args) == 1:
+        rec.arg_text = args[0]
+    elif key == "range" and len(args) == 2:
+        low = parse_int(args[0], fail, "range")
+        high = parse_int(args[1], fail, "range")
+        if low is not None and high is not None:
+            if low > high:
+                fail("range %d..%d is empty" % (low, high))
+            rec.range = (low, high)
+    elif key == "flags":
+        for flag in args:
+            if flag not in ("internal", "hidden", "persistent", "arg_optional"):
+                fail("unknown flag '%s'" % flag)
+            rec.flags.add(flag)
+    elif key == "help_class" and len(args) == 1:
+        rec.help_class = (args[0], lineno)
+    elif key == "classes":
+        for col in args:
+            value = parse_int(col, fail, "class column")
+            if value is not None:
+                rec.classes.append(value)
+    elif key == "help" and len(args) == 1:
+        rec.help = args[0]
+    elif key == "long_help" and len(args) == 1:
+        rec.long_help = args[0]
+    elif key == "items" and args:
+        for item in args:
+            if len(item) < 2 or item[0] not in "+*-":
+                fail("an item is a mark (+, * or -) and a word, not '%s'" % item)
+            rec.items.append(item)
+    elif key == "default_word" and len(args) == 1:
+        rec.default_word = args[0]
+    elif key == "default" and len(args) == 1:
+        rec.default = args[0]
+    elif key == "action" and len(args) == 1:
+        if args[0] not in ACTIONS:
+            fail("unknown action '%s'" % args[0])
+        rec.action = args[0]
+    elif key == "also_sets" and args:
+        entry = {"line": lineno, "target": args[0], "word": None, "when": None,
+                 "by_number": None, "increment": False}
+        if "=" in args[0]:
+            entry["target"], entry["word"] = args[0].split("=", 1)
+        rest = args[1:]
+        if rest[:1] == ["when"] and len(rest) == 2:
+            entry["when"] = rest[1]
+        elif rest[:1] == ["by_number"] and len(rest) >= 2 and entry["word"] is None:
+            entry["by_number"] = rest[1:]
+        elif rest == ["increment"] and entry["word"] is None:
+            entry["increment"] = True
+        elif rest:
+            fail("also_sets takes TARGET[=word] [when WORD | by_number WORDS... | increment]")
+            return
+        rec.also_sets.append(entry)
+    elif key == "deprecated" and len(args) == 2 and args[0] in SEVERITIES:
+        rec.deprecated = (SEVERITIES[args[0]], args[1])
+    elif key == "conflict_group" and len(args) == 2:
+        value = parse_int(args[1], fail, "conflict value")
+        if value is not None:
+            if value not in (1, 2, 3):
+                fail("conflict values are 1, 2 or 3")
+            rec.conflict_groups.append((args[0], value, lineno))
+    elif key == "conflicts" and len(args) >= 2:
+        value = parse_int(args[0], fail, "conflict value")
+        if value is not None:
+            if value not in (1, 2, 3):
+                fail("conflict values are 1, 2 or 3")
+            for other in args[1:]:
+                rec.conflicts.append((other, value, lineno))
+    elif key == "sort_order" and len(args) == 1:
+        rec.sort_order = parse_int(args[0], fail, "sort_order")
+    elif key == "basic_order" and len(args) == 1:
+        rec.basic_order = parse_int(args[0], fail, "basic_order")
+    else:
+        fail("bad option line '%s'" % " ".join([key] + args))
+
+
+def check_and_derive(path, table):
+    errors = []
+
+    def fail(line, msg):
+        errors.append("%s:%d: %s" % (path, line, msg))
+
+    if table.family is None:
+        errors.append("%s:1: no 'table' header" % path)
+        return errors
+    for attr in ("debug_prefix", "class_columns", "alt_slots", "first_fileopt"):
+        if getattr(table, attr) is None:
+            errors.append("%s:1: table header lacks '%s'" % (path, attr))
+    if not table.help_classes:
+        errors.append("%s:1: no help_class declared" % path)
+    if errors:
+        return errors
+
+    help_ids = {}
+    for index, (ident, _title, line) in enumerate(table.help_classes):
+        if ident in help_ids:
+            fail(line, "help class %s declared twice" % ident)
+        help_ids[ident] = index
+
+    names = {}
+    for rec in table.records:
+        if rec.name in names:
+            fail(rec.line, "option %s defined twice (first at line %d)"
+                 % (rec.name, names[rec.name].line))
+        names[rec.name] = rec
+    table.records.sort(key=lambda r: r.name.lower())
+    for index, rec in enumerate(table.records):
+        rec.id = index
+
+    scan_texts = {}
+    for rec in table.records:
+        check_record(table, rec, help_ids, names, fail)
+        for sp in rec.spellings:
+            if sp.unscanned:
+                continue
+            key = sp.text[1:].lower() if table.fold_case else sp.text[1:]
+            if key in scan_texts:
+                fail(sp.line, "spelling %s is already a spelling of %s"
+                     % (sp.text, scan_texts[key]))
+            scan_texts[key] = rec.name
+
+    number_items(table)
+    table.conflict_matrix = build_conflicts(table, names, fail)
+    return errors
+
+
+def check_record(table, rec, help_ids, names, fail):
+    if not rec.spellings:
+        fail(rec.line, "option %s has no spelling" % rec.name)
+        return
+    for form, sp in enumerate(rec.spellings):
+        sp.form = form
+        if form == 0 and (sp.scan_only or sp.shown_first):
+            fail(sp.line, "the first spelling is the long form")
+        if sp.quiet_case and not table.fold_case:
+            fail(sp.line, "quiet_case needs a table that folds case")
+        if sp.text == "-" or (sp.text.startswith("--") and len(sp.text) == 2):
+            fail(sp.line, "spelling '%s' has no name" % sp.text)
+    alts = [sp for sp in rec.spellings[1:] if not sp.scan_only and not sp.unscanned]
+    # form n names the n-th entry of alt_forms, so unlisted spellings come last
+    for sp in rec.spellings[1 + len(alts):]:
+        if not sp.scan_only and not sp.unscanned:
+            fail(sp.line, "a listed spelling must come before scan_only ones")
+    if len(alts) > table.alt_slots:
+        fail(rec.line, "%s has %d further spellings; the table has %d slots"
+             % (rec.name, len(alts), table.alt_slots))
+    shown = [sp for sp in rec.spellings if sp.shown_first]
+    if len(shown) > 1:
+        fail(shown[1].line, "only one spelling can be shown first")
+    rec.short_form = shown[0].text if shown else None
+    rec.alt_forms = [sp.text for sp in rec.spellings[1:] if not sp.scan_only
+                     and not sp.unscanned]
+
+    if rec.help_class is None:
+        fail(rec.line, "%s has no help_class" % rec.name)
+        rec.help_class_id = 0
+    elif rec.help_class[0] not in help_ids:
+        fail(rec.help_class[1], "unknown help class %s" % rec.help_class[0])
+        rec.help_class_id = 0
+    else:
+        rec.help_class_id = help_ids[rec.help_class[0]]
+    for col in rec.classes:
+        if not 1 <= col < table.class_columns:
+            fail(rec.fields["classes"], "class column %d outside 1..%d"
+                 % (col, table.class_columns - 1))
+    if not rec.help and "internal" not in rec.flags:
+        fail(rec.line, "%s has no help text" % rec.name)
+
+    is_help = rec.action == "help"
+    if rec.kind == 0:
+        rec.handler = HANDLER_HELP if is_help else HANDLER_NONE
+        for field in ("parse", "arg", "range", "items", "default_word", "default"):
+            if field in rec.fields:
+                fail(rec.fields[field], "%s takes no argument, so no '%s'"
+                     % (rec.name, field))
+        rec.parse = 0
+    else:
+        if rec.parse is None:
+            fail(rec.line, "%s has a kind with argument but no 'parse'" % rec.name)
+            rec.parse = 0
+        base = rec.parse % OPTIONAL_OFFSET if rec.parse < 18 else rec.parse
+        if base not in KIND_PARSE[rec.kind]:
+            fail(rec.fields.get("parse", rec.line), "parse type does not fit kind")
+        rec.handler = HANDLER_ONEOF if base in ONEOF_PARSE else HANDLER_ARG
+        if not rec.arg:
+            fail(rec.line, "%s takes an argument but has no 'arg' name" % rec.name)
+    if rec.parse >= OPTIONAL_OFFSET:
+        rec.flags.add("arg_optional")
+
+    has_list = rec.kind in (4, 7)
+    if has_list and not rec.items:
+        fail(rec.line, "one-of option %s has no items" % rec.name)
+    if rec.items and not has_list:
+        fail(rec.fields["items"], "only one-of options have items")
+    words = [item[1:] for item in rec.items]
+    lowered = [w.lower() for w in words]
+    if len(set(lowered)) != len(lowered):
+        fail(rec.fields.get("items", rec.line), "an item word appears twice")
+    idents = [word_ident(w) for w in words]
+    if len(set(idents)) != len(idents):
+        fail(rec.fields.get("items", rec.line), "two item words give the same constant")
+    for field in ("default_word", "default"):
+        word = getattr(rec, field)
+        if word is None:
+            continue
+        if has_list and word.lower() not in lowered:
+            fail(rec.fields[field], "%s '%s' is no item of %s" % (field, word, rec.name))
+    if rec.default_word is not None and rec.parse < OPTIONAL_OFFSET:
+        fail(rec.fields["default_word"], "default_word needs an optional argument")
+    if rec.default is not None and not has_list:
+        fail(rec.fields["default"], "constructor defaults are one-of words")
+
+    if rec.range is not None:
+        if base_parse(rec) not in NUMERIC_PARSE:
+            fail(rec.fields["range"], "only numeric options have a range")
+    unsigned = base_parse(rec) == 2
+    rec.range_values = rec.range or (0, UNSIGNED_MAX if unsigned else SIGNED_MAX)
+
+    if rec.action and ACTIONS[rec.action] and rec.kind != 0:
+        fail(rec.fields["action"], "action %s works on options without argument"
+             % rec.action)
+    for entry in rec.also_sets:
+        target = names.get(entry["target"])
+        if target is None:
+            fail(entry["line"], "also_sets names unknown option %s" % entry["target"])
+            continue
+        for word in ([entry["word"]] if entry["word"] else []) + (entry["by_number"] or []):
+            if target.kind in (4, 7) and word.lower() not in [i[1:].lower() for i in target.items]:
+                fail(entry["line"], "'%s' is no item of %s" % (word, target.name))
+        if entry["when"] and entry["when"].lower() not in lowered:
+            fail(entry["line"], "'%s' is no item of %s" % (entry["when"], rec.name))
+        if entry["by_number"] and rec.kind not in (2, 3):
+            fail(entry["line"], "by_number needs a numeric option")
+        if entry["increment"] and target.kind not in (2, 3):
+            fail(entry["line"], "increment needs a numeric target")
+
+    for sp in rec.spellings:
+        if sp.continuation is None:
+            sp.continuation = default_continuation(table, sp)
+
+
+def base_parse(rec):
+    return rec.parse % OPTIONAL_OFFSET if rec.parse is not None and rec.parse < 18 else rec.parse
+
+
+def default_continuation(table, sp):
+    scan = sp.text[1:]
+    if scan.startswith("-"):
+        return "end"
+    group = table.short_groups.get(scan[0].lower(), table.short_default)
+    if group == "family" and len(scan) == 1:
+        return "cluster"   # a family's base hands the rest back to the scan
+    return group
+
+
+def number_items(table):
+    value = 1
+    for rec in table.records:
+        words = sorted(item[1:] for item in rec.items)
+        rec.item_values = {}
+        for word in words:
+            rec.item_values[word] = value
+            value += 1
+    table.item_count = value - 1
+
+
+def build_conflicts(table, names, fail):
+    size = len(table.records)
+    matrix = [[0] * size for _ in range(size)]
+
+    def put(row, col, value, line):
+        if row is col:
+            fail(line, "%s cannot conflict with itself" % row.name)
+            return
+        old = matrix[row.id][col.id]
+        if old not in (0, value):
+            fail(line, "conflict of %s with %s is both %d and %d"
+                 % (row.name, col.name, old, value))
+        matrix[row.id][col.id] = value
+
+    groups = {}
+    for rec in table.records:
+        for group, value, line in rec.conflict_groups:
+            groups.setdefault(group, []).append((rec, value, line))
+    for group, members in groups.items():
+        values = {value for _rec, value, _line in members}
+        if len(values) > 1:
+            fail(members[-1][2], "conflict group %s has mixed values" % group)
+        if len(members) < 2:
+            fail(members[0][2], "conflict group %s has a single member" % group)
+        for rec, value, line in members:
+            for other, _v, _l in members:
+                if other is not rec:
+                    put(rec, other, value, line)
+    for rec in table.records:
+        for other_name, value, line in rec.conflicts:
+            other = names.get(other_name)
+            if other is None:
+                fail(line, "conflicts names unknown option %s" % other_name)
+            else:
+                put(rec, other, value, line)
+    return matrix
+
+
+# ---------------------------------------------------------------- emitters
+
+def emit(outdir, prefix, name, lines, source):
+    path = os.path.join(outdir, "%s_%s.inc" % (prefix, name))
+    text = "// Generated by tools/gen_options.py from %s; do not edit.\n" % source
+    text += "\n".join(lines) + ("\n" if lines else "")
+    with open(path, "w", encoding="utf-8") as out:
+        out.write(text)
+
+
+def u64(value):
+    return "0x%XULL" % (value & UNSIGNED_MAX)
+
+
+def generate(table, outdir, prefix, source):
+    recs = table.records
+    n = len(recs)
+    last_file = table.first_fileopt + 29
+    emit(outdir, prefix, "facts", [
+        "TABLE_FACTS(%d, %d, %d, %d, %d, %d, %s, %s, %d)" % (
+            n, table.class_columns, len(table.help_classes), table.alt_slots,
+            table.first_fileopt, last_file, "true" if table.fold_case else "false",
+            c_str(table.debug_prefix), table.item_count)], source)
+    emit(outdir, prefix, "option_ids",
+         ["OPTION_ID(%s)" % r.name for r in recs], source)
+    emit(outdir, prefix, "help_classes",
+         ["HELP_CLASS(%s, %s)" % (ident, c_str(rot13(title)))
+          for ident, title, _line in table.help_classes], source)
+    emit(outdir, prefix, "alt_forms",
+         ["ALT_FORMS(%s%s)" % (r.name, "".join(", " + c_str(rot13(a)) for a in r.alt_forms))
+          for r in recs], source)
+    item_lines, value_lines = [], []
+    for r in recs:
+        if not r.items:
+            continue
+        item_lines.append("ITEM_LIST(%s%s)" % (r.name, "".join(
+            ", OO_ITEM(%s, %d)" % (c_str(item), r.item_values[item[1:]]) for item in r.items)))
+        for item in r.items:
+            value_lines.append("ITEM_VALUE(%s, %s, %d)" % (
+                r.name, word_ident(item[1:]), r.item_values[item[1:]]))
+    emit(outdir, prefix, "item_lists", item_lines, source)
+    emit(outdir, prefix, "item_values", value_lines, source)
+    rows = []
+    for r in recs:
+        rows.append("OPTION_ROW(%s, %s, %s, %d, %s, %s, %s, %s, %s, %s, %s, %d, %s, %d)" % (
+            r.name, c_str(rot13(r.spellings[0].text)),
+            c_str(rot13(r.short_form)) if r.short_form else "nullptr",
+            r.basic_order, c_str(rot13(r.arg_text if r.arg_text is not None else r.arg)),
+            bool_c("arg_optional" in r.flags), c_str(rot13(r.help)),
+            c_str(rot13(r.long_help)), bool_c("internal" in r.flags),
+            bool_c("hidden" in r.flags), bool_c("persistent" in r.flags),
+            r.help_class_id, "OO_%s_ITEMLIST" % r.name if r.items else "nullptr",
+            r.sort_order))
+    emit(outdir, prefix, "definitions", rows, source)
+    emit(outdir, prefix, "optiontxt",
+         ["OPTION_TXT(%s)" % c_str(rot13(r.spellings[0].text)) for r in recs], source)
+    emit(outdir, prefix, "enumtxt",
+         ["ENUM_TXT(%s)" % c_str(rot13(r.name)) for r in recs], source)
+    emit(outdir, prefix, "parm_type",
+         ["PARM_TYPE(%d)" % r.kind for r in recs], source)
+    emit(outdir, prefix, "classes",
+         ["CLASS_ROW(%s)" % ", ".join("1" if c in r.classes else "0"
+                                      for c in range(table.class_columns)) for r in recs],
+         source)
+    emit(outdir, prefix, "conflicts",
+         ["CONFLICT_ROW(%s)" % ", ".join(str(v) for v in row)
+          for row in table.conflict_matrix], source)
+    scan = []
+    for r in recs:
+        for sp in r.spellings:
+            if sp.unscanned:
+                continue
+            text = sp.text[1:]
+            scan.append((text.lower() if table.fold_case else text, text, r, sp))
+    scan.sort(key=lambda entry: entry[0])
+    scan_lines = []
+    for _key, text, r, sp in scan:
+        low, high = r.range_values
+        scan_lines.append("SCAN_ROW(%s, %s, %d, %d, %d, %s, %s, %s, %s, %s, %d, %s, %s)" % (
+            c_str(text), r.name, sp.form, r.handler, r.parse,
+            c_str(rot13(r.arg)), u64(low), u64(high),
+            c_str(r.default_word), bool_c(table.fold_case and not sp.quiet_case),
+            CONTINUATIONS[sp.continuation],
+            "none" if r.action in (None, "help") else r.action,
+            bool_c(bool(r.action and ACTIONS[r.action]))))
+    emit(outdir, prefix, "scan", scan_lines, source)
+    emit(outdir, prefix, "defaults",
+         ["OPTION_DEFAULT(%s, %s)" % (r.name, c_str(r.default)) for r in recs
+          if r.default is not None], source)
+    also = []
+    for r in recs:
+        for e in r.also_sets:
+            also.append("ALSO_SETS(%s, %s, %s, %s, %s, %s)" % (
+                r.name, e["target"], c_str(e["word"]), c_str(e["when"]),
+                c_str(",".join(e["by_number"])) if e["by_number"] else "nullptr",
+                bool_c(e["increment"])))
+    emit(outdir, prefix, "also_sets", also, source)
+    emit(outdir, prefix, "deprecations",
+         ["DEPRECATION(%s, %d, %s)" % (r.name, r.deprecated[0], c_str(r.deprecated[1]))
+          for r in recs if r.deprecated], source)
+
+
+def bool_c(flag):
+    return "true" if flag else "false"
+
+
+def main(argv):
+    if len(argv) != 4:
+        sys.stderr.write("usage: gen_options.py SOURCE.opt OUTDIR PREFIX\n")
+        return 2
+    source, outdir, prefix = argv[1:]
+    try:
+        table, errors = parse_source(source)
+    except OSError as err:
+        sys.stderr.write("%s:0: cannot read: %s\n" % (source, err.strerror))
+        return 1
+    if not errors:
+        errors = check_and_derive(source, table)
+    if errors:
+        sys.stderr.write("\n".join(errors) + "\n")
+        return 1
+    os.makedirs(outdir, exist_ok=True)
+    try:
+        generate(table, outdir, prefix, os.path.basename(source))
+    except ValueError as err:
+        sys.stderr.write("%s:0: %s\n" % (source, err))
+        return 1
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main(sys.argv))
