@@ -1,0 +1,1 @@
+>> Ignoring non-option input: [^\n]* app\.out\n>> Ignoring non-option input: [^\n]* main\.obj\n

@@ -1,0 +1,1 @@
+-O2 -z --map_file=app.map -o app.out --not_a_shell_option main.obj

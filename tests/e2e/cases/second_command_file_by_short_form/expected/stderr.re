@@ -1,0 +1,1 @@
+>> Ignoring non-option input: [^\n]* first\n>> Ignoring non-option input: [^\n]* second\n

@@ -1,0 +1,3 @@
+-O3 --opt_for_speed=2
+-g -ms
+--size_speed_goal=high_risk_performance

@@ -1,0 +1,1 @@
+-g --symdebug:none

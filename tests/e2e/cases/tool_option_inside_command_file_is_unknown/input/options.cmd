@@ -1,0 +1,1 @@
+--linker_options_file=other.cmd

@@ -1,0 +1,1 @@
+ZORVEX Advice and Performance results utv25\.11\.0\.LTS\nBuild Number 1ZL[0-9A-Z][A-Z]-[^\n]+\n

@@ -1,0 +1,1 @@
+-O2 /* never closed
