@@ -173,6 +173,8 @@ class option_engine {
   uint8_t kind(int id) const { return table_->parm_type[id]; }
   bool is_list_kind(int id) const;
   void release_args(int id);
+  void ensure_seen(int id);
+  void store_arg(int id, option_arg arg);
   const char* item_word(int id, long value) const;
   std::string value_text(int id, unsigned index) const;
   void trace(const char* format, ...) const;

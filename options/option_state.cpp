@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <utility>
 
 #include "DIAG/messages.h"
 #include "UTIL/safemalloc.h"
@@ -278,10 +279,7 @@ void option_engine::trace_arg(int id) const {
 
 void option_engine::setarg(int id, long value) {
   if (!valid(id)) return;
-  if (option_seen[id] == 0) {
-    setopt_internal(id);
-    add_to_history(id);
-  }
+  ensure_seen(id);
   option_arg arg;
   switch (kind(id)) {
     case kind_string:
@@ -299,19 +297,12 @@ void option_engine::setarg(int id, long value) {
       DIAG::optgen_unhandled_clause_in_setarg(__FILE__, __LINE__, __LINE__).report();
       return;
   }
-  if (is_list_kind(id))
-    option_args[id].push_back(arg);
-  else
-    option_args[id].assign(1, arg);
-  trace_arg(id);
+  store_arg(id, std::move(arg));
 }
 
 void option_engine::setarg(int id, const char* value) {
   if (!valid(id) || !value) return;
-  if (option_seen[id] == 0) {
-    setopt_internal(id);
-    add_to_history(id);
-  }
+  ensure_seen(id);
   option_arg arg;
   switch (kind(id)) {
     case kind_string:
@@ -338,10 +329,23 @@ void option_engine::setarg(int id, const char* value) {
       DIAG::optgen_unhandled_clause_in_setarg(__FILE__, __LINE__, __LINE__).report();
       return;
   }
+  store_arg(id, std::move(arg));
+}
+
+// The setarg forms first set an option that has not been seen yet.
+void option_engine::ensure_seen(int id) {
+  if (option_seen[id] != 0) return;
+  setopt_internal(id);
+  add_to_history(id);
+}
+
+// A list option gains one more argument; a single-valued one has its one
+// argument replaced.
+void option_engine::store_arg(int id, option_arg arg) {
   if (is_list_kind(id))
-    option_args[id].push_back(arg);
+    option_args[id].push_back(std::move(arg));
   else
-    option_args[id].assign(1, arg);
+    option_args[id].assign(1, std::move(arg));
   trace_arg(id);
 }
 
