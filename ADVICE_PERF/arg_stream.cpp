@@ -1,5 +1,6 @@
 #include "ADVICE_PERF/arg_stream.h"
 
+#include "ADVICE_PERF/driver.h"
 #include "UTIL/cmdfile.h"
 
 #include <cstdlib>
@@ -7,17 +8,10 @@
 FILE* cmd_file = nullptr;
 
 namespace {
+// The last token read from the command file; freed at the next call.
 char* cmd_token = nullptr;
+// Index of the next argv element to hand out.
 int arg_index = 1;
-int stream_argc = 0;
-char** stream_argv = nullptr;
-}
-
-void start_arg_stream(int argc, char** argv)
-{
-    stream_argc = argc;
-    stream_argv = argv;
-    arg_index = 1;
 }
 
 const char* next_arg()
@@ -31,8 +25,8 @@ const char* next_arg()
         std::fclose(cmd_file);
         cmd_file = nullptr;
     }
-    if (arg_index < stream_argc)
-        return stream_argv[arg_index++];
+    if (arg_index < sys_argc)
+        return sys_argv[arg_index++];
     return nullptr;
 }
 

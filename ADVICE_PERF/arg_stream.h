@@ -14,6 +14,3 @@ const char* next_arg();
 
 // Opens the command file; on failure reports it and exits with status 1.
 void open_cmd_file(const char* path);
-
-// Where the stream starts reading argv (index of the next element to hand out).
-void start_arg_stream(int argc, char** argv);

@@ -13,6 +13,7 @@
 #include <cxxabi.h>
 #include <exception>
 #include <memory>
+#include <string>
 #include <typeinfo>
 
 int32_t sys_argc = 0;
@@ -134,7 +135,6 @@ int advzorv_main(int argc, char** argv)
     install_signal_handlers();
     if (argc == 1)
         print_usage(argv[0]);
-    start_arg_stream(argc, argv);
 
     try {
         run(argv);

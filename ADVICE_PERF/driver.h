@@ -3,7 +3,6 @@
 // command line and the command file, and the routing of each token.
 
 #include <cstdint>
-#include <cstdio>
 
 class option_obj;
 class option_obj_shell;
