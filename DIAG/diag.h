@@ -8,7 +8,8 @@
 #include <utility>
 #include <vector>
 
-enum dc_SEVERITY {
+// A fixed underlying type: any number is a valid value (shown as "(unknown)").
+enum dc_SEVERITY : int32_t {
   dc_suppressed = 0,
   dc_no_error = 1,
   dc_advice = 2,

@@ -38,8 +38,7 @@ class CatalogueError(Exception):
 
 
 class Row:
-    def __init__(self, line, code, severity, flags, cls, form, text):
-        self.line = line
+    def __init__(self, code, severity, flags, cls, form, text):
         self.code = code
         self.severity = severity
         self.flags = flags
@@ -103,7 +102,7 @@ def parse_flags(word):
     return set(flags)
 
 
-def parse_row(lineno, content):
+def parse_row(content):
     match = ROW_RE.match(content)
     if not match:
         raise CatalogueError(
@@ -132,7 +131,7 @@ def parse_row(lineno, content):
             raise CatalogueError("unknown form '%s'" % form)
         if text is None:
             raise CatalogueError("class %s needs a std_msg" % cls)
-    row = Row(lineno, code, severity, flags, cls, form, text)
+    row = Row(code, severity, flags, cls, form, text)
     check_form(row)
     return row
 
@@ -152,13 +151,17 @@ def read_catalogue(path):
     rows = []
     errors = []
     seen_classes = {}
-    with open(path, encoding="utf-8") as source:
+    with open(path, "rb") as source:
         for lineno, raw in enumerate(source, start=1):
-            content = raw.rstrip("\n")
+            try:
+                content = raw.decode("utf-8").rstrip("\n")
+            except UnicodeDecodeError:
+                errors.append("%s:%d: the line is not valid UTF-8" % (path, lineno))
+                continue
             if not content.strip() or content.lstrip().startswith("#"):
                 continue
             try:
-                row = parse_row(lineno, content.strip())
+                row = parse_row(content.strip())
             except CatalogueError as err:
                 errors.append("%s:%d: %s" % (path, lineno, err))
                 continue

@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 
+#include "DIAG/catalogue.h"
 #include "DIAG/messages.h"
 #include "diag_fixture.h"
 
@@ -13,6 +14,20 @@ using CoreTest = DiagTest;
 using CoreDeathTest = DiagTest;
 
 void report_error(int n) { DIAG::optgen_depdiag_error(__FILE__, __LINE__, std::to_string(n).c_str()).report(); }
+
+TEST_F(CoreTest, CatalogueHoldsTheToolchainRowsAndFindsThemByCode) {
+  EXPECT_EQ(DIAG::catalogue_rows, 78u);
+  for (int code : {6000, 24010, 24048, 27011, 99900, 99927}) {
+    const DIAG_INFO* row = DIAGNOSTIC::get_info(code);
+    ASSERT_NE(row, nullptr) << code;
+    EXPECT_EQ(row->code, code);
+  }
+  EXPECT_EQ(DIAGNOSTIC::get_info(24015)->severity, dc_error);
+  EXPECT_STREQ(DIAGNOSTIC::get_info(24015)->std_msg, "bad argument to option %s: should be one of {%s}");
+  EXPECT_EQ(DIAGNOSTIC::get_info(24029)->std_msg, nullptr);
+  EXPECT_EQ(DIAGNOSTIC::get_info(12345), nullptr);
+  EXPECT_EQ(DIAGNOSTIC::get_info(0), nullptr);
+}
 
 TEST_F(CoreTest, RemarkIsShownOnlyWithRemarksAndNeverCounts) {
   EXPECT_EQ(DIAG::optgen_conflict_quiet_option(__FILE__, __LINE__, "-a", "-b").report(), 0);
@@ -38,7 +53,7 @@ TEST_F(CoreTest, StreamFollowsTheSeverityUnlessRedirected) {
   DIAG::optgen_depdiag_warning warning(__FILE__, __LINE__, "w");
   EXPECT_EQ(remark.fp(), stdout);
   EXPECT_EQ(warning.fp(), stderr);
-  row(24038).severity = static_cast<dc_SEVERITY>(9);
+  row(24038).severity = dc_SEVERITY{9};
   EXPECT_EQ(remark.fp(), stderr);
   EXPECT_STREQ(remark.sev_str(), "(unknown)");
   EXPECT_FALSE(remark.suppress());

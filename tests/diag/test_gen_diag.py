@@ -19,8 +19,8 @@ class GeneratorTest(unittest.TestCase):
         self.addCleanup(scratch.cleanup)
         self.source = os.path.join(scratch.name, "cat.def")
         self.outdir = os.path.join(scratch.name, "out")
-        with open(self.source, "w", encoding="utf-8") as out:
-            out.write(catalogue)
+        with open(self.source, "wb") as out:
+            out.write(catalogue if isinstance(catalogue, bytes) else catalogue.encode("utf-8"))
         return subprocess.run([sys.executable, GENERATOR, self.source, self.outdir],
                               capture_output=True, text=True, check=False)
 
@@ -59,6 +59,10 @@ class GeneratorTest(unittest.TestCase):
             "6: unknown flag 'special'", "7: unknown form 'odd'", "8: placeholder '%d'",
             "9: form paren needs exactly one %s", "10: std_msg must be",
             "11: class name 'str' is reserved")
+
+    def test_undecodable_line_is_reported_by_line(self):
+        self.expect_failure(GOOD.encode() + b'13  error  -  -  -  "caf\xe9"\n',
+                            "4: the line is not valid UTF-8")
 
     def test_order_and_class_names_are_checked_across_rows(self):
         self.expect_failure(GOOD + '11  error  -  twice  pattern  "b"\n',
