@@ -55,8 +55,3 @@ const char* strcaseistr(const char* text, const char* part)
     free(folded_part);
     return result;
 }
-
-char* strcaseistr(char* text, const char* part)
-{
-    return const_cast<char*>(strcaseistr(static_cast<const char*>(text), part));
-}

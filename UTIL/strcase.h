@@ -11,4 +11,3 @@ int strcaseincmp(const char* a, const char* b, unsigned n);
 
 // The first place in text where part occurs regardless of case, or null.
 const char* strcaseistr(const char* text, const char* part);
-char* strcaseistr(char* text, const char* part);
