@@ -43,6 +43,7 @@ static void report_missing(const option_engine& options, int id, const char* nam
 
 const char* option_engine::parse_arg(int id, const char* rest, const char* name, int type,
                                      const arg_range* range) {
+  if (!valid(id)) return nullptr;
   if (type > parse_last || type < 0) return rest;
   if (is_oneof(type)) {
     DIAG::optgen_option_handler_corruption(__FILE__, __LINE__).report();
@@ -69,6 +70,7 @@ const char* option_engine::parse_arg(int id, const char* rest, const char* name,
 
 void option_engine::check_numerical_arg(int type, int id, const char* name, const char* arg,
                                         const arg_range* range) {
+  if (!valid(id)) return;
   if (empty(arg)) report_missing(*this, id, name);
   uint64_t low = range ? range->lowest.value.unum : 0;
   bool is_unsigned = base_type(type) == parse_unsigned;

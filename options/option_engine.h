@@ -169,7 +169,7 @@ class option_engine {
   const option_table* table_;
 
   bool valid(int id) const { return id >= 0 && static_cast<unsigned>(id) < table_->n; }
-  const option_row& row(int id) const { return table_->rows[id]; }
+  const option_row& row(int id) const { return table_->option_definitions[id]; }
   uint8_t kind(int id) const { return table_->parm_type[id]; }
   bool is_list_kind(int id) const;
   void release_args(int id);

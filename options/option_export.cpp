@@ -68,7 +68,7 @@ const char* option_engine::format_of_option(int id) const {
 
 const char* option_engine::internal_option_string(int id) const {
   if (!valid(id)) return nullptr;
-  return rot13(table_->optiontxt[id]);
+  return rot13(table_->enum_to_optiontxt[id]);
 }
 
 // The text of one stored value, as export_option and dump show it.
@@ -163,7 +163,7 @@ void option_engine::dump(int all) const {
   for (unsigned u = 0; u < table_->n; ++u) {
     int id = static_cast<int>(u);
     if (!all && option_state[id] == 0) continue;
-    std::printf("%-25s  ", rot13(table_->optiontxt[id]));
+    std::printf("%-25s  ", rot13(table_->enum_to_optiontxt[id]));
     if (all) {
       std::printf("%s", option_seen[id] ? "SEEN      " : "not seen  ");
       std::printf("%s", option_state[id] ? "ENABLED   " : "disabled  ");
@@ -190,7 +190,7 @@ void option_engine::dump(int all) const {
 
 void option_engine::dump_history() const {
   for (const auto& [id, arg] : history) {
-    const char* name = rot13(valid(id) ? table_->optiontxt[id] : file_option_name);
+    const char* name = rot13(valid(id) ? table_->enum_to_optiontxt[id] : file_option_name);
     if (arg.text.empty())
       std::printf("%s\n", name);
     else

@@ -65,7 +65,8 @@ void option_engine::dump_class(int help_class) const {
   if (help_class < 0 || static_cast<unsigned>(help_class) >= table_->h) return;
   std::string title = plain(table_->class_descriptions[help_class]);
   init_queue(title.c_str(), 28, sort_by_priority);
-  for (const option_row* r = table_->rows; static_cast<unsigned>(r->help_class) != table_->h; ++r) {
+  for (const option_row* r = table_->option_definitions;
+       static_cast<unsigned>(r->help_class) != table_->h; ++r) {
     if (r->help_class != help_class || r->hidden || r->internal) continue;
     std::string key = opt_txt(*r);
     queueup(key.c_str(), plain(r->help_text).c_str(), static_cast<int>(r->sort_order));
@@ -75,7 +76,8 @@ void option_engine::dump_class(int help_class) const {
 
 void option_engine::dump_basic_class() const {
   init_queue("Basic Options:", 28, sort_by_priority);
-  for (const option_row* r = table_->rows; static_cast<unsigned>(r->help_class) != table_->h; ++r) {
+  for (const option_row* r = table_->option_definitions;
+       static_cast<unsigned>(r->help_class) != table_->h; ++r) {
     if (r->basic_order == 0 || r->hidden || r->internal) continue;
     std::string key = opt_txt(*r);
     queueup(key.c_str(), plain(r->help_text).c_str(), static_cast<int>(r->basic_order));
@@ -110,7 +112,8 @@ int option_engine::display_option_help(const char* topic, int keep_going) const 
   }
 
   bool matched = false;
-  for (const option_row* r = table_->rows; static_cast<unsigned>(r->help_class) != table_->h; ++r) {
+  for (const option_row* r = table_->option_definitions;
+       static_cast<unsigned>(r->help_class) != table_->h; ++r) {
     if (r->hidden || r->internal || !row_matches(*r, topic)) continue;
     matched = true;
     std::string left = opt_txt(*r);

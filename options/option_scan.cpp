@@ -26,7 +26,7 @@ void option_engine::scan_failure(const char* pos) {
 
 int option_engine::process_option(const char* text, const char** error_pos) {
   family_statics& family = *table_->family;
-  ++family.recovery_depth;
+  // The try block is the recovery point; nested calls from handlers nest it.
   try {
     const char* pos = text;
     char implied = '\0';
@@ -39,7 +39,8 @@ int option_engine::process_option(const char* text, const char** error_pos) {
         scan_failure(pos - 1);
       const char* end = nullptr;
       int index = walk(implied, pos, &end);
-      if (index < 0) scan_failure(end);
+      // A first character that starts no spelling fails one character back.
+      if (index < 0) scan_failure(!implied && end == pos ? pos - 1 : end);
       const scan_row& spelling = table_->scan[index];
       if (!takes_what_follows(spelling, end)) scan_failure(end);
       if (spelling.case_warning) deprecated_case(end, spelling.text + (implied ? 1 : 0));
@@ -47,11 +48,9 @@ int option_engine::process_option(const char* text, const char** error_pos) {
       current_option = saved;
     }
   } catch (const scan_failed&) {
-    --family.recovery_depth;
     if (error_pos) *error_pos = family.failure_pos;
     return 0;
   }
-  --family.recovery_depth;
   return 1;
 }
 

@@ -212,7 +212,7 @@ void option_engine::setopt_internal(int id) {
   if (!valid(id)) return;
   ++option_state[id];
   ++option_seen[id];
-  trace("Set    option id %s to state %d\n", rot13(table_->enumtxt[id]), option_state[id]);
+  trace("Set    option id %s to state %d\n", rot13(table_->enum_to_enumtxt[id]), option_state[id]);
   if (!merging) do_conflicts(id);
 }
 
@@ -263,7 +263,7 @@ void option_engine::trace_arg(int id) const {
   if (!debug) return;
   const std::vector<option_arg>& args = option_args[id];
   const option_arg& last = args.back();
-  const char* name = rot13(table_->enumtxt[id]);
+  const char* name = rot13(table_->enum_to_enumtxt[id]);
   int count = static_cast<int>(args.size());
   if (kind(id) == kind_string || kind(id) == kind_string_list)
     trace("Set    option id %s arg to value '%s' (%d args)", name, last.text.c_str(), count);
@@ -356,7 +356,7 @@ void option_engine::register_option_form(int id, unsigned char form) {
 void option_engine::parsed_option(int id) {
   if (!valid(id)) return;
   ++option_parsed[id];
-  trace("Parsed option id %s/%d\n", rot13(table_->enumtxt[id]), option_parsed[id]);
+  trace("Parsed option id %s/%d\n", rot13(table_->enum_to_enumtxt[id]), option_parsed[id]);
 }
 
 void option_engine::release_args(int id) { option_args[id].clear(); }
@@ -365,7 +365,7 @@ void option_engine::clearopt(int id) {
   if (!valid(id) || row(id).persistent) return;
   option_state[id] = 0;
   ++option_seen[id];
-  trace("Clear  option id %s to state 0\n", rot13(table_->enumtxt[id]));
+  trace("Clear  option id %s to state 0\n", rot13(table_->enum_to_enumtxt[id]));
   release_args(id);
   clear_history(id);
 }
@@ -392,7 +392,7 @@ void option_engine::add_to_history(int id) {
   unsigned last = static_cast<unsigned>(option_args[id].size()) - 1;
   const char* text = getstrarg(id, last);
   hist_argument arg{getnumarg(id, last), text ? text : ""};
-  trace("Add option id %s to history with arg %s\n", rot13(table_->enumtxt[id]),
+  trace("Add option id %s to history with arg %s\n", rot13(table_->enum_to_enumtxt[id]),
         arg.text.c_str());
   history.emplace_back(id, std::move(arg));
 }

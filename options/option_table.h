@@ -148,7 +148,6 @@ struct family_statics {
   const char* (**next_arg)();
   void (**open_cmd_file)(const char* path);
   void (**print_usage)(const char* program);  // null: help exits with 0
-  int recovery_depth;                          // nesting of process_option
   const char* failure_pos;                     // where the last scan failed
 };
 
@@ -161,9 +160,9 @@ struct option_table {
   int last_fileopt;
   bool fold_case;
   const char* debug_prefix;
-  const option_row* rows;  // n rows and a closing row with help_class == h
-  const char* const* optiontxt;
-  const char* const* enumtxt;
+  const option_row* option_definitions;  // n rows and a closing row with help_class == h
+  const char* const* enum_to_optiontxt;  // canonical texts, scrambled
+  const char* const* enum_to_enumtxt;    // upper-case internal names, scrambled
   const uint8_t* parm_type;
   const uint8_t* classes;    // n rows of k bytes
   const uint8_t* conflicts;  // n rows of n bytes

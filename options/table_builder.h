@@ -40,7 +40,7 @@ constexpr option_action action_none = nullptr;
 #undef ITEM_LIST
 #undef OO_ITEM
 
-const option_row rows[] = {
+const option_row option_definitions[] = {
 #define OPTION_ROW(name, long_form, short_form, basic_order, arg_text, arg_optional, help,      \
                    long_help, internal, hidden, persistent, help_class, item_list, sort_order) \
   {long_form, alt_##name, short_form, basic_order, arg_text, arg_optional, help, long_help,    \
@@ -52,13 +52,13 @@ const option_row rows[] = {
      static_cast<int>(table_facts::help_classes), nullptr, 0},
 };
 
-const char* const optiontxt[] = {
+const char* const enum_to_optiontxt[] = {
 #define OPTION_TXT(text) text,
 #include OO_TABLE_INC(optiontxt)
 #undef OPTION_TXT
     nullptr};
 
-const char* const enumtxt[] = {
+const char* const enum_to_enumtxt[] = {
 #define ENUM_TXT(text) text,
 #include OO_TABLE_INC(enumtxt)
 #undef ENUM_TXT
@@ -124,11 +124,11 @@ constexpr unsigned count_of(const T (&)[N]) {
 }
 
 family_statics statics = {&OO_FAMILY::executable_name, &OO_FAMILY::next_arg, OO_OPEN_CMD_FILE,
-                          OO_PRINT_USAGE, 0, nullptr};
+                          OO_PRINT_USAGE, nullptr};
 
 static_assert(table_facts::option_count == OO_FAMILY::OPTION_COUNT);
 static_assert(table_facts::help_classes == OO_FAMILY::HELP_CLASS_COUNT);
-static_assert(count_of(rows) == table_facts::option_count + 1);
+static_assert(count_of(option_definitions) == table_facts::option_count + 1);
 static_assert(count_of(parm_types) == table_facts::option_count);
 static_assert(count_of(classes) == table_facts::option_count * table_facts::class_columns);
 static_assert(count_of(conflicts) == table_facts::option_count * table_facts::option_count);
@@ -148,9 +148,9 @@ const option_table OO_FAMILY::table_data = {
     table_facts::last_file_option,
     table_facts::folds_case,
     table_facts::debug_prefix,
-    rows,
-    optiontxt,
-    enumtxt,
+    option_definitions,
+    enum_to_optiontxt,
+    enum_to_enumtxt,
     parm_types,
     classes,
     conflicts,

@@ -389,6 +389,9 @@ def check_record(table, rec, help_ids, names, fail):
             fail(sp.line, "quiet_case needs a table that folds case")
         if sp.text == "-" or (sp.text.startswith("--") and len(sp.text) == 2):
             fail(sp.line, "spelling '%s' has no name" % sp.text)
+        elif not sp.unscanned and not re.match(r"[-@A-Za-z]", sp.text[1]):
+            # the scanner takes only a dash, "@" or a letter behind the first dash
+            fail(sp.line, "spelling '%s' can never be scanned" % sp.text)
     alts = [sp for sp in rec.spellings[1:] if not sp.scan_only and not sp.unscanned]
     # form n names the n-th entry of alt_forms, so unlisted spellings come last
     for sp in rec.spellings[1 + len(alts):]:
@@ -466,8 +469,9 @@ def check_record(table, rec, help_ids, names, fail):
     if rec.range is not None:
         if base_parse(rec) not in NUMERIC_PARSE:
             fail(rec.fields["range"], "only numeric options have a range")
-    unsigned = base_parse(rec) == 2
-    rec.range_values = rec.range or (0, UNSIGNED_MAX if unsigned else SIGNED_MAX)
+    # A handler without bounds of its own hands over the signed bounds, for
+    # unsigned arguments too.
+    rec.range_values = rec.range or (0, SIGNED_MAX)
 
     if rec.action and ACTIONS[rec.action] and rec.kind != 0:
         fail(rec.fields["action"], "action %s works on options without argument"
@@ -477,7 +481,11 @@ def check_record(table, rec, help_ids, names, fail):
         if target is None:
             fail(entry["line"], "also_sets names unknown option %s" % entry["target"])
             continue
-        for word in ([entry["word"]] if entry["word"] else []) + (entry["by_number"] or []):
+        words = ([entry["word"]] if entry["word"] else []) + (entry["by_number"] or [])
+        if words and target.kind == 0:
+            fail(entry["line"], "%s takes no argument, so also_sets gives it no word"
+                 % target.name)
+        for word in words:
             if target.kind in (4, 7) and word.lower() not in [i[1:].lower() for i in target.items]:
                 fail(entry["line"], "'%s' is no item of %s" % (word, target.name))
         if entry["when"] and entry["when"].lower() not in lowered:

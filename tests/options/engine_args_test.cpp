@@ -71,8 +71,18 @@ TEST_F(args, RangeMessagesNameTheOptionAndTheArgument) {
   EXPECT_EXIT(run("-level=9"), ExitedWithCode(1),
               "argument to option --level \\(1-8\\) is out of range \\(must be a number from 1 "
               "to 8");
-  EXPECT_EXIT(run("-hex=-1"), ExitedWithCode(1), "must be a non-negative_number");
   EXPECT_EXIT(run("r=9"), ExitedWithCode(1), "option -r \\(0-5\\).*from 0 to 5");
+}
+
+// An unsigned option without a range of its own is handed the signed bounds,
+// so it is not "unbounded" for its type: values above them are refused, and
+// the message names both bounds, cut to 32 bits.
+TEST_F(args, UnsignedOptionGetsTheSignedDefaultBounds) {
+  EXPECT_EQ(run("-hex=0x7FFFFFFFFFFFFFFF"), 1);
+  EXPECT_EXIT(run("-hex=0x8000000000000000"), ExitedWithCode(1),
+              "argument to option --hex \\(address\\) is out of range \\(must be a number from 0 "
+              "to 4294967295\n");
+  EXPECT_EXIT(run("-hex=-1"), ExitedWithCode(1), "must be a number from 0 to 4294967295");
 }
 
 TEST_F(args, MissingParameterEndsTheRun) {
@@ -83,6 +93,15 @@ TEST_F(args, MissingParameterEndsTheRun) {
   EXPECT_EXIT(run("-rate="), ExitedWithCode(1), "option --rate is missing its parameter '0-5'");
   EXPECT_EXIT(run("-mode="), ExitedWithCode(1), "option --mode is missing its parameter 'mode'");
   EXPECT_EXIT(run("-color"), ExitedWithCode(1), "option --color is missing its parameter");
+}
+
+TEST_F(args, AnIdOutsideTheTableParsesNothing) {
+  const int outside = T::OPTION_COUNT;
+  EXPECT_EQ(opts.parse_arg(outside, "", "", parse_text, nullptr), nullptr);
+  EXPECT_EQ(opts.parse_arg(outside, "=-3", "", parse_number, nullptr), nullptr);
+  opts.check_numerical_arg(parse_number, outside, "", "x", nullptr);  // returns quietly
+  long value = 0;
+  EXPECT_EQ(opts.parse_oneof(outside, "=red", "", parse_oneof_type, &value), 0);
 }
 
 TEST_F(args, OneOfWordsMatchWholeAndInAnyCase) {

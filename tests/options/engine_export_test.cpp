@@ -118,11 +118,11 @@ TEST_F(export_, DumpsShowStateAndHistory) {
 }
 
 TEST_F(export_, LeftColumnOfHelp) {
-  const option_row& trace = opts.table().rows[T::TRACE];
+  const option_row& trace = opts.table().option_definitions[T::TRACE];
   EXPECT_STREQ(T::get_opt_txt(trace.long_form, trace.alt_forms, trace.short_form, trace.arg_text,
                               trace.arg_optional),
                "-c,--trace");
-  const option_row& mode = opts.table().rows[T::MODE];
+  const option_row& mode = opts.table().option_definitions[T::MODE];
   EXPECT_STREQ(T::get_opt_txt(mode.long_form, mode.alt_forms, mode.short_form, mode.arg_text,
                               mode.arg_optional),
                "--mode,-m[=mode]");

@@ -44,6 +44,10 @@ TEST_F(scan, FailurePositionPointsWhereTheWalkStopped) {
   const char* digit = "-5";
   EXPECT_EQ(opts.process_option(digit + 1, &pos), 0);
   EXPECT_EQ(pos, digit);  // a character that starts nothing: one back
+  const char* letter = "-vq";  // no short spelling begins with q
+  EXPECT_EQ(opts.process_option(letter + 1, &pos), 0);
+  EXPECT_EQ(pos, letter + 1);
+  EXPECT_EQ(opts.option_state[T::VERBOSE], 1);
 }
 
 TEST_F(scan, ShorterSpellingCommitsAtTheCharacterWhereSpellingsPart) {

@@ -63,6 +63,20 @@ class BadSources(unittest.TestCase):
         self.assertIn("bad.opt:13: conflict of A with B is both 2 and 3", err)
         self.assertIn("bad.opt:15: spelling --a is already a spelling of A", err)
 
+    def test_word_for_an_option_without_argument(self):
+        code, err, _ = run(HEADER +
+                           "option A\n  spelling --a\n  help_class MAIN\n  help \"a\"\n"
+                           "  also_sets B=on\n"
+                           "option B\n  spelling --b\n  help_class MAIN\n  help \"b\"\n")
+        self.assertEqual(code, 1)
+        self.assertIn("bad.opt:12: B takes no argument, so also_sets gives it no word", err)
+
+    def test_short_spelling_the_scanner_cannot_reach(self):
+        code, err, _ = run(HEADER + "option A\n  spelling --a\n  spelling -5\n"
+                           "  help_class MAIN\n  help \"a\"\n")
+        self.assertEqual(code, 1)
+        self.assertIn("bad.opt:10: spelling '-5' can never be scanned", err)
+
 
 if __name__ == "__main__":
     unittest.main()
