@@ -12,29 +12,25 @@ namespace {
 char* cmd_token = nullptr;
 // Index of the next argv element to hand out.
 int arg_index = 1;
+}  // namespace
+
+const char* next_arg() {
+  std::free(cmd_token);
+  cmd_token = nullptr;
+  if (cmd_file) {
+    cmd_token = fnextopt(cmd_file);
+    if (cmd_token) return cmd_token;
+    std::fclose(cmd_file);
+    cmd_file = nullptr;
+  }
+  if (arg_index < sys_argc) return sys_argv[arg_index++];
+  return nullptr;
 }
 
-const char* next_arg()
-{
-    std::free(cmd_token);
-    cmd_token = nullptr;
-    if (cmd_file) {
-        cmd_token = fnextopt(cmd_file);
-        if (cmd_token)
-            return cmd_token;
-        std::fclose(cmd_file);
-        cmd_file = nullptr;
-    }
-    if (arg_index < sys_argc)
-        return sys_argv[arg_index++];
-    return nullptr;
-}
-
-void open_cmd_file(const char* path)
-{
-    cmd_file = std::fopen(path, "r");
-    if (!cmd_file) {
-        std::fprintf(stderr, "Cannot open command file %s\n", path);
-        std::exit(1);
-    }
+void open_cmd_file(const char* path) {
+  cmd_file = std::fopen(path, "r");
+  if (!cmd_file) {
+    std::fprintf(stderr, "Cannot open command file %s\n", path);
+    std::exit(1);
+  }
 }

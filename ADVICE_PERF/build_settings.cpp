@@ -6,22 +6,19 @@
 namespace {
 
 struct word_setting {
-    long item_value;
-    int setting;
+  long item_value;
+  int setting;
 };
 
 // The numeric setting of a one-of shell option, or -1 when it is not set or
 // holds a word the mapping does not know.
 template <size_t N>
-int setting_of(option_obj_shell::option_id id, const word_setting (&mapping)[N])
-{
-    if (global_options->option_state[id] == 0)
-        return -1;
-    const long value = global_options->getnumarg(id, 0);
-    for (const word_setting& entry : mapping)
-        if (entry.item_value == value)
-            return entry.setting;
-    return -1;
+int setting_of(option_obj_shell::option_id id, const word_setting (&mapping)[N]) {
+  if (global_options->option_state[id] == 0) return -1;
+  const long value = global_options->getnumarg(id, 0);
+  for (const word_setting& entry : mapping)
+    if (entry.item_value == value) return entry.setting;
+  return -1;
 }
 
 using shell = option_obj_shell;
@@ -40,14 +37,12 @@ constexpr word_setting size_speed_goals[] = {
     {shell::ITEM_SIZE_SPEED_GOAL_HIGH_RISK_PERFORMANCE, 5},
 };
 
-} // namespace
+}  // namespace
 
-int opt_level()
-{
-    return setting_of(shell::OPT_LEVEL, opt_levels);
+int opt_level() {
+  return setting_of(shell::OPT_LEVEL, opt_levels);
 }
 
-int size_speed_goal()
-{
-    return setting_of(shell::SIZE_SPEED_GOAL, size_speed_goals);
+int size_speed_goal() {
+  return setting_of(shell::SIZE_SPEED_GOAL, size_speed_goals);
 }

@@ -1,6 +1,5 @@
 #include "ADVICE_PERF/driver.h"
 
-int main(int argc, char** argv)
-{
-    return advzorv_main(argc, argv);
+int main(int argc, char** argv) {
+  return advzorv_main(argc, argv);
 }

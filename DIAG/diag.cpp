@@ -55,11 +55,17 @@ DIAGNOSTIC::DIAGNOSTIC(const DIAGNOSTIC& other)
       src_file(other.src_file),
       src_line(other.src_line) {}
 
-DIAGNOSTIC::~DIAGNOSTIC() { delete srcinfo; }
+DIAGNOSTIC::~DIAGNOSTIC() {
+  delete srcinfo;
+}
 
-int DIAGNOSTIC::report() { return print_header(); }
+int DIAGNOSTIC::report() {
+  return print_header();
+}
 
-char* DIAGNOSTIC::get_sp_buffer() { return nullptr; }
+char* DIAGNOSTIC::get_sp_buffer() {
+  return nullptr;
+}
 
 bool DIAGNOSTIC::is_equal(DIAGNOSTIC* other) {
   if (srcinfo == nullptr || other->srcinfo == nullptr) return false;
@@ -88,25 +94,39 @@ FILE* DIAGNOSTIC::fp() const {
 
 bool DIAGNOSTIC::suppress() const {
   switch (info->severity) {
-    case dc_suppressed: return true;
-    case dc_advice: return !advice_m;
-    case dc_debug: return !debug_m;
-    case dc_remark: return !remarks_m;
-    case dc_warning: return !warnings_m;
-    default: return false;
+    case dc_suppressed:
+      return true;
+    case dc_advice:
+      return !advice_m;
+    case dc_debug:
+      return !debug_m;
+    case dc_remark:
+      return !remarks_m;
+    case dc_warning:
+      return !warnings_m;
+    default:
+      return false;
   }
 }
 
 const char* DIAGNOSTIC::sev_str() const {
   switch (info->severity) {
-    case dc_suppressed: return "(suppressed)";
-    case dc_no_error: return "(no error)";
-    case dc_advice: return "advice";
-    case dc_debug: return "debug";
-    case dc_remark: return "remark";
-    case dc_warning: return "warning";
-    case dc_error: return "error";
-    case dc_fatal: return "fatal error";
+    case dc_suppressed:
+      return "(suppressed)";
+    case dc_no_error:
+      return "(no error)";
+    case dc_advice:
+      return "advice";
+    case dc_debug:
+      return "debug";
+    case dc_remark:
+      return "remark";
+    case dc_warning:
+      return "warning";
+    case dc_error:
+      return "error";
+    case dc_fatal:
+      return "fatal error";
   }
   return "(unknown)";
 }
@@ -146,7 +166,8 @@ void DIAGNOSTIC::flush() {
 DIAG_INFO* DIAGNOSTIC::get_info(int code) {
   static const std::map<int, DIAG_INFO*> by_code = [] {
     std::map<int, DIAG_INFO*> rows;
-    for (DIAG_INFO* row = DIAG_INFO_ENTRY; row->code != 0; ++row) rows.emplace(row->code, row);
+    for (DIAG_INFO* row = DIAG_INFO_ENTRY; row->code != 0; ++row)
+      rows.emplace(row->code, row);
     return rows;
   }();
   auto found = by_code.find(code);

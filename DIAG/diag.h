@@ -67,9 +67,9 @@ class DIAG_SRCINFO_DATA : public DIAG_SRCINFO {
 class DIAGNOSTIC {
  public:
   DIAG_INFO* info;
-  int32_t cols_left;       // columns left on the current output line
-  DIAG_SRCINFO* srcinfo;   // owned, may be null
-  const char* src_file;    // the tool's own source position of the raise
+  int32_t cols_left;      // columns left on the current output line
+  DIAG_SRCINFO* srcinfo;  // owned, may be null
+  const char* src_file;   // the tool's own source position of the raise
   uint32_t src_line;
 
   DIAGNOSTIC(DIAG_INFO* info, const char* file, unsigned line);
@@ -107,8 +107,8 @@ class DIAGNOSTIC {
   int print_header();
   int print(const char* format, ...);
   char* sp_print(const char* format, ...);
-  char* print_formatted(const char* text, bool to_buffer, int32_t* cols, int diag_cols,
-                        int indent, int wrap_indent);
+  char* print_formatted(const char* text, bool to_buffer, int32_t* cols, int diag_cols, int indent,
+                        int wrap_indent);
   static const char* last_printable_char(const char* text, int max);
   void start_new_line();
   static std::string srcinfo_str(const DIAG_SRCINFO* src);

@@ -26,7 +26,9 @@ constexpr int sp_diag_cols = 79;
 constexpr int sp_indent = 0;
 constexpr int sp_wrap_indent = 10;
 
-bool is_blank(char c) { return std::isspace(static_cast<unsigned char>(c)) != 0; }
+bool is_blank(char c) {
+  return std::isspace(static_cast<unsigned char>(c)) != 0;
+}
 
 [[noreturn]] void line_geometry_failed() {
   std::fputs("Assertion failed: diag_cols > (indent + wrap_indent)\n", stderr);
@@ -41,7 +43,8 @@ int DIAGNOSTIC::print_header() {
   flush();
   if (!wrap_headers_m) wrap_enabled_m = false;
   int count = 0;
-  for (int i = 0; i < indent_m; ++i) count += print(" ");
+  for (int i = 0; i < indent_m; ++i)
+    count += print(" ");
   if (display_ipos_m || info->internal) count += print("%s:%u:", src_file, src_line);
   const std::string position = srcinfo_str(srcinfo);
   if (!position.empty()) count += print("%s: ", position.c_str());
@@ -144,7 +147,8 @@ char* DIAGNOSTIC::print_formatted(const char* text, bool to_buffer, int32_t* col
     }
     *cols -= static_cast<int32_t>(count);
     p = newline ? newline + 1 : last + 1;
-    while (p < end && is_blank(*p)) ++p;
+    while (p < end && is_blank(*p))
+      ++p;
     if (p < end) open_line(out, cols, width, indent, wrap_indent);
   }
   if (!to_buffer) return nullptr;
@@ -155,15 +159,18 @@ char* DIAGNOSTIC::print_formatted(const char* text, bool to_buffer, int32_t* col
 
 const char* DIAGNOSTIC::last_printable_char(const char* text, int max) {
   if (*text == '\0') return text;
-  const bool shorter_than_max = max >= 0 && strnlen(text, static_cast<size_t>(max)) < static_cast<size_t>(max);
+  const bool shorter_than_max =
+      max >= 0 && strnlen(text, static_cast<size_t>(max)) < static_cast<size_t>(max);
   if (!wrap_enabled_m || max < 0 || shorter_than_max) {
     return text + std::strlen(text) - 1;
   }
   if (max == 0) return text;
   const char* p = text + max - 1;
   if (p[1] != '\0' && is_blank(p[1])) return p;
-  while (!is_blank(*p) && p > text) --p;
-  while (is_blank(*p) && p > text) --p;
+  while (!is_blank(*p) && p > text)
+    --p;
+  while (is_blank(*p) && p > text)
+    --p;
   return p;
 }
 

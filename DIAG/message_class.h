@@ -40,15 +40,13 @@ enum class form {
   paren,     // report prints the one text field as "(%s)"; the rest is DIAGNOSTIC's
 };
 
-template <class Self, std::size_t Row, int32_t Code, form Form, std::size_t Uses,
-          class... Fields>
+template <class Self, std::size_t Row, int32_t Code, form Form, std::size_t Uses, class... Fields>
 class message : public DIAGNOSTIC {
   static_assert(Row < catalogue_rows && catalogue_codes[Row] == Code,
                 "message class bound to the wrong catalogue row");
   static_assert(Form == form::one_arg ? sizeof...(Fields) == 1 : sizeof...(Fields) == Uses,
                 "fields must match the placeholders of the text");
-  static_assert(Form != form::paren ||
-                    std::is_same_v<std::tuple<Fields...>, std::tuple<str>>,
+  static_assert(Form != form::paren || std::is_same_v<std::tuple<Fields...>, std::tuple<str>>,
                 "a paren class has exactly one text field");
 
   static constexpr bool keeps_base_ops = Form == form::base_ops || Form == form::paren;
@@ -81,8 +79,11 @@ class message : public DIAGNOSTIC {
   void dump() override {
     DIAGNOSTIC::dump();
     if constexpr (!keeps_base_ops) {
-      std::apply([](const auto&... values) { (std::printf(Fields::dump_format, Fields::arg(values)), ...); },
-                 fields_);
+      std::apply(
+          [](const auto&... values) {
+            (std::printf(Fields::dump_format, Fields::arg(values)), ...);
+          },
+          fields_);
       std::printf("\n");
     }
   }

@@ -5,11 +5,11 @@
 
 namespace DIAG {
 
-#define DIAG_CLASS(name, row, code, form_word, uses, ...)                            \
-  class name final                                                                  \
+#define DIAG_CLASS(name, row, code, form_word, uses, ...)                                   \
+  class name final                                                                          \
       : public message<name, row, code, form::form_word, uses __VA_OPT__(, ) __VA_ARGS__> { \
-   public:                                                                          \
-    using message::message;                                                         \
+   public:                                                                                  \
+    using message::message;                                                                 \
   };
 #include "DIAG/diag_classes.inc"
 #undef DIAG_CLASS

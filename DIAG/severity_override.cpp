@@ -11,7 +11,9 @@ bool open_to_override(const DIAG_INFO& row) {
   return !row.internal && !row.non_discretionary && row.severity != dc_fatal;
 }
 
-bool acceptable_severity(dc_SEVERITY sev) { return sev != dc_no_error && sev != dc_debug; }
+bool acceptable_severity(dc_SEVERITY sev) {
+  return sev != dc_no_error && sev != dc_debug;
+}
 
 // Larger numbers than any code stay out of range instead of overflowing.
 constexpr int64_t code_ceiling = INT32_MAX;

@@ -32,10 +32,10 @@ int report_text(unsigned line, const DIAG_SRCINFO* src, const std::string& text)
 
 // Forms the text of a reporting operation from the format and the variable
 // arguments that follow its last named parameter.
-#define FORMATTED_TEXT(text, last_param, format)        \
-  va_list args;                                         \
-  va_start(args, last_param);                           \
-  const std::string text = format_text(format, args);   \
+#define FORMATTED_TEXT(text, last_param, format)      \
+  va_list args;                                       \
+  va_start(args, last_param);                         \
+  const std::string text = format_text(format, args); \
   va_end(args)
 
 USER_MSG* USER_MSG::get_umsg_obj() {
@@ -43,9 +43,13 @@ USER_MSG* USER_MSG::get_umsg_obj() {
   return instance;
 }
 
-void USER_MSG::emit_warnings_as_errors() { warnings_as_errors_ = true; }
+void USER_MSG::emit_warnings_as_errors() {
+  warnings_as_errors_ = true;
+}
 
-int USER_MSG::get_error_count() const { return DIAGNOSTIC::error_count_m; }
+int USER_MSG::get_error_count() const {
+  return DIAGNOSTIC::error_count_m;
+}
 
 char* USER_MSG::make_msg_str(const char* format, va_list args) {
   if (format == nullptr) format = "";

@@ -5,11 +5,11 @@
 #include <cstdio>
 
 enum sort_method {
-    sort_by_key = 1,      // by key, leading dashes skipped (also any unknown value)
-    sort_as_added = 2,    // in the order of queueup
-    sort_by_priority = 3, // highest priority first, by key among equals
-    long_key_on_own_line = 0x80, // print_queue flag: a key wider than the column
-                                 // gets a line of its own in the one-column form
+  sort_by_key = 1,              // by key, leading dashes skipped (also any unknown value)
+  sort_as_added = 2,            // in the order of queueup
+  sort_by_priority = 3,         // highest priority first, by key among equals
+  long_key_on_own_line = 0x80,  // print_queue flag: a key wider than the column
+                                // gets a line of its own in the one-column form
 };
 
 // Starts a new listing, dropping any earlier one. A key_width of 0 means as wide

@@ -7,7 +7,7 @@
 const char* tool_name();
 const char* isa_name_full();
 const char* isa_name_prefix();
-const char* isa_name_prefix_secondary(); // null: this tool has none
+const char* isa_name_prefix_secondary();  // null: this tool has none
 const char* copyright_date();
 int version_major();
 int version_minor();
@@ -19,14 +19,14 @@ const char* version_qual_letter();
 const char* version_datecode();
 
 // Composed texts.
-const char* version_number();             // "25.11.0"
-const char* version_short();              // "v25.11.0"
-const char* version_full();               // "v25.11.0.LTS"
+const char* version_number();  // "25.11.0"
+const char* version_short();   // "v25.11.0"
+const char* version_full();    // "v25.11.0.LTS"
 const char* isa_and_tool_name();
 const char* isa_tool_and_version_short();
 const char* isa_tool_and_version_full();
-const char* os_and_version_short();       // "Unix v25.11.0"
-const char* os_and_version_full();        // "Unix v25.11.0.LTS"
+const char* os_and_version_short();  // "Unix v25.11.0"
+const char* os_and_version_full();   // "Unix v25.11.0.LTS"
 const char* copyright_full();
 
 // The ISA and tool name cut or padded to 40 columns, then the full version.

@@ -13,7 +13,9 @@ namespace {
 using CoreTest = DiagTest;
 using CoreDeathTest = DiagTest;
 
-void report_error(int n) { DIAG::optgen_depdiag_error(__FILE__, __LINE__, std::to_string(n).c_str()).report(); }
+void report_error(int n) {
+  DIAG::optgen_depdiag_error(__FILE__, __LINE__, std::to_string(n).c_str()).report();
+}
 
 TEST_F(CoreTest, CatalogueHoldsTheToolchainRowsAndFindsThemByCode) {
   EXPECT_EQ(DIAG::catalogue_rows, 78u);
@@ -23,7 +25,8 @@ TEST_F(CoreTest, CatalogueHoldsTheToolchainRowsAndFindsThemByCode) {
     EXPECT_EQ(row->code, code);
   }
   EXPECT_EQ(DIAGNOSTIC::get_info(24015)->severity, dc_error);
-  EXPECT_STREQ(DIAGNOSTIC::get_info(24015)->std_msg, "bad argument to option %s: should be one of {%s}");
+  EXPECT_STREQ(DIAGNOSTIC::get_info(24015)->std_msg,
+               "bad argument to option %s: should be one of {%s}");
   EXPECT_EQ(DIAGNOSTIC::get_info(24029)->std_msg, nullptr);
   EXPECT_EQ(DIAGNOSTIC::get_info(12345), nullptr);
   EXPECT_EQ(DIAGNOSTIC::get_info(0), nullptr);
@@ -39,7 +42,8 @@ TEST_F(CoreTest, RemarkIsShownOnlyWithRemarksAndNeverCounts) {
 }
 
 TEST_F(CoreTest, WarningsPrintButNeverCount) {
-  for (int i = 0; i < 1000; ++i) DIAG::optgen_depdiag_warning(__FILE__, __LINE__, "w").report();
+  for (int i = 0; i < 1000; ++i)
+    DIAG::optgen_depdiag_warning(__FILE__, __LINE__, "w").report();
   EXPECT_EQ(DIAGNOSTIC::error_count_m, 0);
   EXPECT_EQ(output().size(), 1000 * std::string("warning: w\n").size());
   DIAGNOSTIC::warnings_m = false;
@@ -68,18 +72,21 @@ TEST_F(CoreDeathTest, HundredthErrorGoesOnAndTheNextOneEndsTheRun) {
   DIAGNOSTIC::fp_m = nullptr;
   EXPECT_EXIT(
       {
-        for (int i = 1; i <= 100; ++i) report_error(i);
+        for (int i = 1; i <= 100; ++i)
+          report_error(i);
         std::fputs("still running\n", stderr);
         report_error(101);
         std::exit(0);
       },
       ::testing::ExitedWithCode(1),
-      "error: 100\nstill running\nerror: 101\nfatal error: error limit reached; 100 errors detected\n$");
+      "error: 100\nstill running\nerror: 101\nfatal error: error limit reached; 100 errors "
+      "detected\n$");
 }
 
 TEST_F(CoreDeathTest, FatalRowExitsAndInternalFatalRowAborts) {
   DIAGNOSTIC::fp_m = nullptr;
-  EXPECT_EXIT(DIAG::optgen_no_small_memmodel(__FILE__, __LINE__).report(), ::testing::ExitedWithCode(1),
+  EXPECT_EXIT(DIAG::optgen_no_small_memmodel(__FILE__, __LINE__).report(),
+              ::testing::ExitedWithCode(1),
               "^fatal error: Small memory model is no longer supported\n$");
   EXPECT_EXIT(DIAG::gdie("t.cpp", 5, "gone").report(), ::testing::KilledBySignal(SIGABRT),
               "^t.cpp:5:internal fatal error #99926: \\(gone\\)\n$");
@@ -88,23 +95,27 @@ TEST_F(CoreDeathTest, FatalRowExitsAndInternalFatalRowAborts) {
 TEST_F(CoreTest, DebugModeMakesErrorsAndFatalErrorsHarmless) {
   DIAGNOSTIC::push_debug_mode(true);
   DIAG::optgen_no_small_memmodel(__FILE__, __LINE__).report();
-  for (int i = 0; i < 150; ++i) report_error(i);
+  for (int i = 0; i < 150; ++i)
+    report_error(i);
   DIAGNOSTIC::pop_debug_mode();
   EXPECT_FALSE(DIAGNOSTIC::debug_mode_m);
   DIAGNOSTIC::debug_mode_m = true;
   DIAGNOSTIC::pop_debug_mode();  // empty stack
   EXPECT_FALSE(DIAGNOSTIC::debug_mode_m);
   EXPECT_EQ(DIAGNOSTIC::error_count_m, 0);
-  EXPECT_EQ(output().rfind("fatal error: Small memory model is no longer supported\nerror: 0\n", 0), 0u);
+  EXPECT_EQ(output().rfind("fatal error: Small memory model is no longer supported\nerror: 0\n", 0),
+            0u);
 }
 
 TEST_F(CoreTest, AllocCopiesFieldsAndPositionAndEqualityIgnoresArgumentsAndApprox) {
-  DIAG_SRCINFO_DATA here("a.c", 4, 2, false), here_approx("a.c", 4, 2, true), next_line("a.c", 5, 2, false);
+  DIAG_SRCINFO_DATA here("a.c", 4, 2, false), here_approx("a.c", 4, 2, true),
+      next_line("a.c", 5, 2, false);
   auto original = std::make_unique<DIAG::optgen_conflict_option>(__FILE__, __LINE__, "-x", "-y");
   original->set_src(&here);
   std::unique_ptr<DIAGNOSTIC> copy(original->alloc());
   ASSERT_NE(copy->srcinfo, original->srcinfo);
-  DIAG::optgen_conflict_option other_args(__FILE__, __LINE__, "-p", "-q"), moved(__FILE__, __LINE__, "-x", "-y");
+  DIAG::optgen_conflict_option other_args(__FILE__, __LINE__, "-p", "-q"),
+      moved(__FILE__, __LINE__, "-x", "-y");
   DIAG::optgen_conflict_override_option other_row(__FILE__, __LINE__, "-x", "-y");
   other_args.set_src(&here_approx);
   moved.set_src(&next_line);

@@ -25,12 +25,14 @@ void DiagTest::SetUp() {
   DIAGNOSTIC::error_count_m = 0;
   DIAGNOSTIC::saved_severities_m.clear();
   severities_.clear();
-  for (const DIAG_INFO* r = DIAG_INFO_ENTRY; r->code != 0; ++r) severities_.push_back(r->severity);
+  for (const DIAG_INFO* r = DIAG_INFO_ENTRY; r->code != 0; ++r)
+    severities_.push_back(r->severity);
 }
 
 void DiagTest::TearDown() {
   DIAG_INFO* r = DIAG_INFO_ENTRY;
-  for (dc_SEVERITY sev : severities_) (r++)->severity = sev;
+  for (dc_SEVERITY sev : severities_)
+    (r++)->severity = sev;
   DIAGNOSTIC::fp_m = nullptr;
   if (out_ != nullptr) std::fclose(out_);
 }
@@ -41,7 +43,8 @@ std::string DiagTest::output() const {
   std::string text;
   char chunk[512];
   size_t n;
-  while ((n = std::fread(chunk, 1, sizeof chunk, out_)) > 0) text.append(chunk, n);
+  while ((n = std::fread(chunk, 1, sizeof chunk, out_)) > 0)
+    text.append(chunk, n);
   std::fseek(out_, 0, SEEK_END);
   return text;
 }

@@ -18,7 +18,8 @@ std::string reported(const std::string& text) {
 // n words "abcd" separated by single blanks.
 std::string words(int n) {
   std::string text;
-  for (int i = 0; i < n; ++i) text += i ? " abcd" : "abcd";
+  for (int i = 0; i < n; ++i)
+    text += i ? " abcd" : "abcd";
   return text;
 }
 
@@ -39,7 +40,8 @@ TEST_F(FormatTest, TextOfExactlyTheRoomLeftBreaksAtItsLastBlank) {
 
 TEST_F(FormatTest, BreakDropsTheWholeBlankRun) {
   reported(std::string(60, 'x') + "    " + std::string(20, 'y'));
-  EXPECT_EQ(output(), "error: " + std::string(60, 'x') + continuation + std::string(20, 'y') + "\n");
+  EXPECT_EQ(output(),
+            "error: " + std::string(60, 'x') + continuation + std::string(20, 'y') + "\n");
 }
 
 TEST_F(FormatTest, BlankRightAfterTheLastColumnKeepsTheBlanksBeforeIt) {
@@ -58,8 +60,8 @@ TEST_F(FormatTest, EmbeddedNewlineStartsAnIndentedLine) {
   reported("first\nsecond");
   DIAGNOSTIC::wrap_enabled_m = false;
   reported(std::string(100, 'x') + "\nsecond");
-  EXPECT_EQ(output(), "error: first" + continuation + "second\n" + "error: " + std::string(100, 'x') +
-                          continuation + "second\n");
+  EXPECT_EQ(output(), "error: first" + continuation + "second\n" +
+                          "error: " + std::string(100, 'x') + continuation + "second\n");
 }
 
 TEST_F(FormatTest, IndentAppliesToEveryLineOfAMessage) {
@@ -77,13 +79,15 @@ TEST_F(FormatTest, IndentAppliesToEveryLineOfAMessage) {
 
 TEST_F(FormatTest, SpPrintLineWidthsAreExactly66And69) {
   auto sp = [](const std::string& text) {
-    return std::string(DIAG::optgen_depdiag_error(__FILE__, __LINE__, text.c_str()).get_sp_buffer());
+    return std::string(
+        DIAG::optgen_depdiag_error(__FILE__, __LINE__, text.c_str()).get_sp_buffer());
   };
   const std::string a60 = std::string(60, 'a') + " ", x66 = std::string(66, 'x') + " ";
   const std::string next = "\n" + std::string(10, ' ');
   EXPECT_EQ(sp(a60 + "bbbbb c"), a60 + "bbbbb" + next + "c");
   EXPECT_EQ(sp(a60 + "bbbbbb c"), std::string(60, 'a') + next + "bbbbbb c");
-  EXPECT_EQ(sp(x66 + std::string(69, 'y') + " z"), std::string(66, 'x') + next + std::string(69, 'y') + next + "z");
+  EXPECT_EQ(sp(x66 + std::string(69, 'y') + " z"),
+            std::string(66, 'x') + next + std::string(69, 'y') + next + "z");
   EXPECT_EQ(sp(x66 + std::string(60, 'y') + " " + std::string(9, 'z')),
             std::string(66, 'x') + next + std::string(60, 'y') + next + std::string(9, 'z'));
 }

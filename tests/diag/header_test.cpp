@@ -94,9 +94,9 @@ TEST_F(AnnotatedSourceTest, QuotesExactPositionsOnlyWithACaretUnderTheColumn) {
   report_at(path_, 9, 1, false);
   report_at("no/such/file", 1, 1, false);
   EXPECT_EQ(output(), header(path_, 2) + ": error: m\n  second line\n  ^\n" +  //
-                          header(path_, 1) + ": error: m\nline one\n" +          //
-                          header(path_, 2) + " (approximate): error: m\n" +      //
-                          header(path_, 9) + ": error: m\n" +                    //
+                          header(path_, 1) + ": error: m\nline one\n" +        //
+                          header(path_, 2) + " (approximate): error: m\n" +    //
+                          header(path_, 9) + ": error: m\n" +                  //
                           header("no/such/file", 1) + ": error: m\n");
 }
 

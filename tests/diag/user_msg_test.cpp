@@ -13,15 +13,18 @@ using ::testing::MatchesRegex;
 using UserMsgTest = DiagTest;
 using UserMsgDeathTest = DiagTest;
 
-USER_MSG& umsg() { return *USER_MSG::get_umsg_obj(); }
+USER_MSG& umsg() {
+  return *USER_MSG::get_umsg_obj();
+}
 
 TEST_F(UserMsgTest, FormatsTextAndCountsOnlyErrors) {
   umsg().warning(17u, "unused %s", "x");
   umsg().error("bad value %d", 4);
   umsg().apperror("state %u", 2u);
-  EXPECT_THAT(output(), MatchesRegex("warning: unused x\n"
-                                     "error: bad value 4\n"
-                                     "DIAG/user_msg_api:[0-9]+:internal error #99924: \\(state 2\\)\n"));
+  EXPECT_THAT(output(),
+              MatchesRegex("warning: unused x\n"
+                           "error: bad value 4\n"
+                           "DIAG/user_msg_api:[0-9]+:internal error #99924: \\(state 2\\)\n"));
   EXPECT_EQ(umsg().get_error_count(), 2);
 }
 
@@ -34,9 +37,10 @@ TEST_F(UserMsgTest, DebugRemarkAndAdviceDependOnTheirSwitches) {
   umsg().remark("r");
   umsg().advice("a");
   umsg().debug("value %d", 3);
-  EXPECT_THAT(output(), MatchesRegex("remark: r\n"
-                                     "advice #99927: a\n"
-                                     "DIAG/user_msg_api:[0-9]+:internal debug #99920: \\(value 3\\)\n"));
+  EXPECT_THAT(output(),
+              MatchesRegex("remark: r\n"
+                           "advice #99927: a\n"
+                           "DIAG/user_msg_api:[0-9]+:internal debug #99920: \\(value 3\\)\n"));
   EXPECT_EQ(DIAGNOSTIC::error_count_m, 0);
 }
 
@@ -65,7 +69,8 @@ TEST_F(UserMsgDeathTest, WarningsAsErrorsCount) {
 
 TEST_F(UserMsgDeathTest, FatalExitsAndDieAbortsWithPrefixedText) {
   DIAGNOSTIC::fp_m = nullptr;
-  EXPECT_EXIT(umsg().fatal("cannot go on"), ::testing::ExitedWithCode(1), "^fatal error: cannot go on\n$");
+  EXPECT_EXIT(umsg().fatal("cannot go on"), ::testing::ExitedWithCode(1),
+              "^fatal error: cannot go on\n$");
   EXPECT_EXIT(umsg().die("x", "y"), ::testing::KilledBySignal(SIGABRT),
               "^DIAG/user_msg_api:[0-9]+:internal fatal error #99926: \\(x: y\\)\n$");
 }

@@ -11,67 +11,62 @@ namespace {
 using words = std::vector<std::string>;
 
 // Every word fnextopt gives for content, up to its first null.
-words tokens(const std::string& content)
-{
-    FILE* stream = tmpfile();
-    fputs(content.c_str(), stream);
-    rewind(stream);
-    words result;
-    while (char* word = fnextopt(stream)) {
-        result.emplace_back(word);
-        free(word);
-    }
-    fclose(stream);
-    return result;
+words tokens(const std::string& content) {
+  FILE* stream = tmpfile();
+  fputs(content.c_str(), stream);
+  rewind(stream);
+  words result;
+  while (char* word = fnextopt(stream)) {
+    result.emplace_back(word);
+    free(word);
+  }
+  fclose(stream);
+  return result;
 }
 
-TEST(Fnextopt, Tokenizes)
-{
-    const struct {
-        const char* content;
-        words expected;
-    } cases[] = {
-        {"", {}},
-        {" \t\r\n ; comment\n# another\n /* block\n */ \n", {}},
-        {"--opt_level=2 -g\r\n\r\n--quiet\tlast", {"--opt_level=2", "-g", "--quiet", "last"}},
-        // Quoted parts join the word and keep blanks, ";", "#" and "/*".
-        {"\"a b\"c x\"y;#z\" \"/*no*/\" \"\" w", {"a bc", "xy;#z", "/*no*/", "w"}},
-        // \" and \\ stand for the second character, in and out of quotes; others stay.
-        {R"(a\"b c\\d e\nf g\\\"h "q\"r\\s\t")",
-         {R"(a"b)", R"(c\d)", R"(e\nf)", R"(g\"h)", R"(q"r\s\t)"}},
-        // Comments continue the word.
-        {"ab/*c d*/ef /* * / */y path/ z", {"abef", "y", "path/", "z"}},
-        {"abc;x\ndef #c\nw x#y\nz last;no newline", {"abcdef", "w", "xz", "last"}},
-        // "#" behind a dash is part of the word, unless white space stands between.
-        {"--x=1#2 -D#a \"- x\"#c\nq", {"--x=1#2", "-D#a", "- xq"}},
-    };
-    for (const auto& c : cases)
-        EXPECT_EQ(tokens(c.content), c.expected) << c.content;
-    EXPECT_EQ(fnextopt(nullptr), nullptr);
+TEST(Fnextopt, Tokenizes) {
+  const struct {
+    const char* content;
+    words expected;
+  } cases[] = {
+      {"", {}},
+      {" \t\r\n ; comment\n# another\n /* block\n */ \n", {}},
+      {"--opt_level=2 -g\r\n\r\n--quiet\tlast", {"--opt_level=2", "-g", "--quiet", "last"}},
+      // Quoted parts join the word and keep blanks, ";", "#" and "/*".
+      {"\"a b\"c x\"y;#z\" \"/*no*/\" \"\" w", {"a bc", "xy;#z", "/*no*/", "w"}},
+      // \" and \\ stand for the second character, in and out of quotes; others stay.
+      {R"(a\"b c\\d e\nf g\\\"h "q\"r\\s\t")",
+       {R"(a"b)", R"(c\d)", R"(e\nf)", R"(g\"h)", R"(q"r\s\t)"}},
+      // Comments continue the word.
+      {"ab/*c d*/ef /* * / */y path/ z", {"abef", "y", "path/", "z"}},
+      {"abc;x\ndef #c\nw x#y\nz last;no newline", {"abcdef", "w", "xz", "last"}},
+      // "#" behind a dash is part of the word, unless white space stands between.
+      {"--x=1#2 -D#a \"- x\"#c\nq", {"--x=1#2", "-D#a", "- xq"}},
+  };
+  for (const auto& c : cases)
+    EXPECT_EQ(tokens(c.content), c.expected) << c.content;
+  EXPECT_EQ(fnextopt(nullptr), nullptr);
 }
 
-TEST(Fnextopt, LongWordsComeBackWhole)
-{
-    const std::string plain(200, 'w'), quoted(500, 'q');
-    EXPECT_EQ(tokens(plain + " \"" + quoted + "\""), (words{plain, quoted}));
+TEST(Fnextopt, LongWordsComeBackWhole) {
+  const std::string plain(200, 'w'), quoted(500, 'q');
+  EXPECT_EQ(tokens(plain + " \"" + quoted + "\""), (words{plain, quoted}));
 }
 
 // exit(-1) reaches the parent as status 255.
-void expect_abort(const std::string& content, const std::string& message)
-{
-    EXPECT_EXIT(tokens(content), testing::ExitedWithCode(-1 & 0xff), testing::Eq(message));
+void expect_abort(const std::string& content, const std::string& message) {
+  EXPECT_EXIT(tokens(content), testing::ExitedWithCode(-1 & 0xff), testing::Eq(message));
 }
 
-TEST(FnextoptDeathTest, UnterminatedCommentOrQuote)
-{
-    const std::string quote_abort = ">> Unterminated quote in command file; aborting\n";
-    expect_abort("word /* never closed *", ">> Unterminated comment in command file; aborting!\n");
-    expect_abort("w \"abc\tdef\n\n", quote_abort + "   Quote starts at \"abc\\tdef\n");
-    // The excerpt stops 30 characters behind the quote.
-    expect_abort("pre\"line one\nline two " + std::string(40, 'x'),
-                 quote_abort + "   Quote starts at \"line one\\nline two " + std::string(12, 'x') +
-                     "\n");
-    expect_abort("w \"\n", quote_abort);
+TEST(FnextoptDeathTest, UnterminatedCommentOrQuote) {
+  const std::string quote_abort = ">> Unterminated quote in command file; aborting\n";
+  expect_abort("word /* never closed *", ">> Unterminated comment in command file; aborting!\n");
+  expect_abort("w \"abc\tdef\n\n", quote_abort + "   Quote starts at \"abc\\tdef\n");
+  // The excerpt stops 30 characters behind the quote.
+  expect_abort(
+      "pre\"line one\nline two " + std::string(40, 'x'),
+      quote_abort + "   Quote starts at \"line one\\nline two " + std::string(12, 'x') + "\n");
+  expect_abort("w \"\n", quote_abort);
 }
 
-} // namespace
+}  // namespace

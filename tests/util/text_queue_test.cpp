@@ -10,93 +10,94 @@
 
 namespace {
 
-using entries = std::vector<std::pair<const char*, int>>; // key and priority
+using entries = std::vector<std::pair<const char*, int>>;  // key and priority
 
 // Queues each key with a lower-case text naming it and prints the listing.
 std::string listing(int width, sort_method sort, const entries& queued, int columnation = 1,
-                    sort_method flags = sort_by_key, int extra_indent = 0)
-{
-    init_queue("T", width, sort);
-    for (const auto& [key, priority] : queued)
-        queueup(key, (std::string("text of ") + key).c_str(), priority);
-    return capture_output(stdout,
-                          [&] { EXPECT_EQ(print_queue(columnation, flags, extra_indent), 1); });
+                    sort_method flags = sort_by_key, int extra_indent = 0) {
+  init_queue("T", width, sort);
+  for (const auto& [key, priority] : queued)
+    queueup(key, (std::string("text of ") + key).c_str(), priority);
+  return capture_output(stdout,
+                        [&] { EXPECT_EQ(print_queue(columnation, flags, extra_indent), 1); });
 }
 
-std::string blanks(int count) { return std::string(count, ' '); }
-
-TEST(TextQueue, SortOrders)
-{
-    // By key, leading dashes skipped; equal keys keep their order. Method 0 sorts
-    // by key too.
-    for (sort_method method : {sort_by_key, static_cast<sort_method>(0)})
-        EXPECT_EQ(listing(3, method, {{"--b", 0}, {"-c", 0}, {"-a", 0}, {"--a", 0}}),
-                  "T\n  -a  Text of -a\n  --a Text of --a\n  --b Text of --b\n  -c  Text of -c\n");
-    EXPECT_EQ(listing(2, sort_as_added, {{"-z", 0}, {"-a", 9}}),
-              "T\n  -z Text of -z\n  -a Text of -a\n");
-    const entries by_priority = {{"-b", 500}, {"-z", 700}, {"-a", 500},
-                                 {"-m", 600}, {"-c", 100}, {"-y", 700}};
-    EXPECT_EQ(listing(2, sort_by_priority, by_priority),
-              "T\n  -y Text of -y\n  -z Text of -z\n  -m Text of -m\n"
-              "  -a Text of -a\n  -b Text of -b\n  -c Text of -c\n");
+std::string blanks(int count) {
+  return std::string(count, ' ');
 }
 
-TEST(TextQueue, TwoColumns)
-{
-    // A single entry falls back to one column.
-    EXPECT_EQ(listing(4, sort_as_added, {{"-a", 0}}, 2), "T\n  -a   Text of -a\n");
-
-    // Entries fit while text + width + 2 <= 37. Three fitting entries make two rows
-    // filled left column first; the wide one follows on a line of its own.
-    const std::string fits = "t" + std::string(30, 'o'), wide = "w" + std::string(31, 'i');
-    init_queue("T", -4, sort_as_added); // the sign of the width is ignored
-    queueup("-a", "one", 0);
-    queueup("-w", wide.c_str(), 0);
-    queueup("-b", fits.c_str(), 0);
-    queueup("-c", "three", 0);
-    EXPECT_EQ(capture_output(stdout, [] { print_queue(2, sort_by_key, 0); }),
-              "T\n"
-              "  -a   One" + blanks(28) + "  -c   Three\n"
-              "  -b   T" + std::string(30, 'o') + "\n"
-              "  -w   W" + std::string(31, 'i') + blanks(72 - 32) + "\n");
+TEST(TextQueue, SortOrders) {
+  // By key, leading dashes skipped; equal keys keep their order. Method 0 sorts
+  // by key too.
+  for (sort_method method : {sort_by_key, static_cast<sort_method>(0)})
+    EXPECT_EQ(listing(3, method, {{"--b", 0}, {"-c", 0}, {"-a", 0}, {"--a", 0}}),
+              "T\n  -a  Text of -a\n  --a Text of --a\n  --b Text of --b\n  -c  Text of -c\n");
+  EXPECT_EQ(listing(2, sort_as_added, {{"-z", 0}, {"-a", 9}}),
+            "T\n  -z Text of -z\n  -a Text of -a\n");
+  const entries by_priority = {{"-b", 500}, {"-z", 700}, {"-a", 500},
+                               {"-m", 600}, {"-c", 100}, {"-y", 700}};
+  EXPECT_EQ(listing(2, sort_by_priority, by_priority),
+            "T\n  -y Text of -y\n  -z Text of -z\n  -m Text of -m\n"
+            "  -a Text of -a\n  -b Text of -b\n  -c Text of -c\n");
 }
 
-TEST(TextQueue, KeyWidths)
-{
-    // A longer key is cut, unless it gets a line of its own.
-    EXPECT_EQ(listing(3, sort_as_added, {{"--long", 0}, {"-a", 0}}),
-              "T\n  --l Text of --long\n  -a  Text of -a\n");
-    EXPECT_EQ(listing(3, sort_as_added, {{"--long", 0}, {"-a", 0}}, 1, long_key_on_own_line),
-              "T\n  --long\n" + blanks(6) + "Text of --long\n  -a  Text of -a\n");
+TEST(TextQueue, TwoColumns) {
+  // A single entry falls back to one column.
+  EXPECT_EQ(listing(4, sort_as_added, {{"-a", 0}}, 2), "T\n  -a   Text of -a\n");
 
-    // Width 0: the longest key ever queued (no other test queues one as long),
-    // remembered across listings.
-    const std::string long_key = "--" + std::string(68, 'k');
-    init_queue("T", 0, sort_as_added);
-    queueup(long_key.c_str(), "x", 0);
-    EXPECT_EQ(capture_output(stdout, [] { print_queue(1, sort_by_key, 0); }),
-              "T\n  " + long_key + " X\n");
-    init_queue("T", 0, sort_as_added);
-    queueup("-b", "y", 0);
-    EXPECT_EQ(capture_output(stdout, [] { print_queue(1, sort_by_key, 0); }),
-              "T\n  -b" + blanks(68) + " Y\n");
+  // Entries fit while text + width + 2 <= 37. Three fitting entries make two rows
+  // filled left column first; the wide one follows on a line of its own.
+  const std::string fits = "t" + std::string(30, 'o'), wide = "w" + std::string(31, 'i');
+  init_queue("T", -4, sort_as_added);  // the sign of the width is ignored
+  queueup("-a", "one", 0);
+  queueup("-w", wide.c_str(), 0);
+  queueup("-b", fits.c_str(), 0);
+  queueup("-c", "three", 0);
+  EXPECT_EQ(capture_output(stdout, [] { print_queue(2, sort_by_key, 0); }),
+            "T\n"
+            "  -a   One" +
+                blanks(28) +
+                "  -c   Three\n"
+                "  -b   T" +
+                std::string(30, 'o') +
+                "\n"
+                "  -w   W" +
+                std::string(31, 'i') + blanks(72 - 32) + "\n");
 }
 
-TEST(TextQueue, ExtraIndentWidensContinuationLines)
-{
-    // Padding of 4 + 6 + 3 leaves 66 columns, then continuation lines are indented by 14.
-    const std::string key = "-k" + std::string(60, 'k');
-    const std::string printed = listing(4, sort_as_added, {{key.c_str(), 0}}, 1, sort_by_key, 6);
-    EXPECT_EQ(printed, "T\n  -kkk Text of\n" + blanks(14) + key + "\n");
+TEST(TextQueue, KeyWidths) {
+  // A longer key is cut, unless it gets a line of its own.
+  EXPECT_EQ(listing(3, sort_as_added, {{"--long", 0}, {"-a", 0}}),
+            "T\n  --l Text of --long\n  -a  Text of -a\n");
+  EXPECT_EQ(listing(3, sort_as_added, {{"--long", 0}, {"-a", 0}}, 1, long_key_on_own_line),
+            "T\n  --long\n" + blanks(6) + "Text of --long\n  -a  Text of -a\n");
+
+  // Width 0: the longest key ever queued (no other test queues one as long),
+  // remembered across listings.
+  const std::string long_key = "--" + std::string(68, 'k');
+  init_queue("T", 0, sort_as_added);
+  queueup(long_key.c_str(), "x", 0);
+  EXPECT_EQ(capture_output(stdout, [] { print_queue(1, sort_by_key, 0); }),
+            "T\n  " + long_key + " X\n");
+  init_queue("T", 0, sort_as_added);
+  queueup("-b", "y", 0);
+  EXPECT_EQ(capture_output(stdout, [] { print_queue(1, sort_by_key, 0); }),
+            "T\n  -b" + blanks(68) + " Y\n");
 }
 
-TEST(TextQueue, EmptyQueuePrintsNothingAndKeepsItsTitle)
-{
-    init_queue("Kept", 2, sort_as_added);
-    EXPECT_EQ(capture_output(stdout, [] { EXPECT_EQ(print_queue(1, sort_by_key, 0), 0); }), "");
-    queueup("-a", "x", 0);
-    EXPECT_EQ(capture_output(stdout, [] { print_queue(1, sort_by_key, 0); }), "Kept\n  -a X\n");
-    EXPECT_EQ(print_queue(1, sort_by_key, 0), 0); // printing emptied it
+TEST(TextQueue, ExtraIndentWidensContinuationLines) {
+  // Padding of 4 + 6 + 3 leaves 66 columns, then continuation lines are indented by 14.
+  const std::string key = "-k" + std::string(60, 'k');
+  const std::string printed = listing(4, sort_as_added, {{key.c_str(), 0}}, 1, sort_by_key, 6);
+  EXPECT_EQ(printed, "T\n  -kkk Text of\n" + blanks(14) + key + "\n");
 }
 
-} // namespace
+TEST(TextQueue, EmptyQueuePrintsNothingAndKeepsItsTitle) {
+  init_queue("Kept", 2, sort_as_added);
+  EXPECT_EQ(capture_output(stdout, [] { EXPECT_EQ(print_queue(1, sort_by_key, 0), 0); }), "");
+  queueup("-a", "x", 0);
+  EXPECT_EQ(capture_output(stdout, [] { print_queue(1, sort_by_key, 0); }), "Kept\n  -a X\n");
+  EXPECT_EQ(print_queue(1, sort_by_key, 0), 0);  // printing emptied it
+}
+
+}  // namespace

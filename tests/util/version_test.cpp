@@ -11,51 +11,47 @@
 
 namespace {
 
-TEST(Version, ComposedTextsAreBuiltOnce)
-{
-    EXPECT_STREQ(version_full(), "v25.11.0.LTS");
-    EXPECT_STREQ(os_and_version_short(), "Unix v25.11.0");
-    EXPECT_STREQ(isa_tool_and_version_full(),
-                 "ZORVEX Advice and Performance results utility Unix v25.11.0.LTS");
-    for (const char* (*text)() :
-         {version_number, version_short, version_full, isa_and_tool_name,
-          isa_tool_and_version_short, isa_tool_and_version_full, os_and_version_short,
-          os_and_version_full, copyright_full})
-        EXPECT_EQ(text(), text());
+TEST(Version, ComposedTextsAreBuiltOnce) {
+  EXPECT_STREQ(version_full(), "v25.11.0.LTS");
+  EXPECT_STREQ(os_and_version_short(), "Unix v25.11.0");
+  EXPECT_STREQ(isa_tool_and_version_full(),
+               "ZORVEX Advice and Performance results utility Unix v25.11.0.LTS");
+  for (const char* (*text)() :
+       {version_number, version_short, version_full, isa_and_tool_name, isa_tool_and_version_short,
+        isa_tool_and_version_full, os_and_version_short, os_and_version_full, copyright_full})
+    EXPECT_EQ(text(), text());
 }
 
-TEST(Version, PrintedLines)
-{
-    // The 45-character name is cut at 40; the version follows without a blank.
-    const std::string tool_line = write_to_string(print_tool_and_version);
-    EXPECT_EQ(tool_line, "ZORVEX Advice and Performance results utv25.11.0.LTS\n");
-    EXPECT_EQ(write_to_string(print_banner), tool_line + copyright_full() + "\n");
-    EXPECT_TRUE(std::regex_match(copyright_full(), std::regex("Copyright .*2025.*Orvane.*")));
+TEST(Version, PrintedLines) {
+  // The 45-character name is cut at 40; the version follows without a blank.
+  const std::string tool_line = write_to_string(print_tool_and_version);
+  EXPECT_EQ(tool_line, "ZORVEX Advice and Performance results utv25.11.0.LTS\n");
+  EXPECT_EQ(write_to_string(print_banner), tool_line + copyright_full() + "\n");
+  EXPECT_TRUE(std::regex_match(copyright_full(), std::regex("Copyright .*2025.*Orvane.*")));
 
-    const std::string line = write_to_string(print_toolversion);
-    EXPECT_TRUE(std::regex_match(line, std::regex(tool_line + "Build Number 1ZL[0-9A-V][A-X]-"
-                                                  "[0-9A-P%]{3}-[A-CQ-Z]{5}-[A-CQ-Z]{3}-[^\n]+\n")))
-        << line;
-    EXPECT_EQ(capture_output(stdout, [] { buildid(nullptr, nullptr); }),
-              line.substr(tool_line.size() + strlen("Build Number ")));
+  const std::string line = write_to_string(print_toolversion);
+  EXPECT_TRUE(std::regex_match(
+      line, std::regex(tool_line + "Build Number 1ZL[0-9A-V][A-X]-"
+                                   "[0-9A-P%]{3}-[A-CQ-Z]{5}-[A-CQ-Z]{3}-[^\n]+\n")))
+      << line;
+  EXPECT_EQ(capture_output(stdout, [] { buildid(nullptr, nullptr); }),
+            line.substr(tool_line.size() + strlen("Build Number ")));
 }
 
-std::string buildid_line(const char* date, const char* time, const char* branch = "Main")
-{
-    return write_to_string([&](FILE* out) { write_buildid(out, "L ", date, time, branch); });
+std::string buildid_line(const char* date, const char* time, const char* branch = "Main") {
+  return write_to_string([&](FILE* out) { write_buildid(out, "L ", date, time, branch); });
 }
 
-TEST(BuildId, EncodesDayHourAndBranch)
-{
-    EXPECT_EQ(buildid_line("Nov 17 2025", "12:09:29"), "L 1ZLHM-E1I-CCCCC-WAR-MN\n");
-    EXPECT_EQ(buildid_line("Nov  7 2025", "00:00:00"), "L 1ZL7A-E1I-CCCCC-WAR-MN\n");
-    EXPECT_EQ(buildid_line("Dec 31 2025", "23:59:59"), "L 1ZLVX-E1I-CCCCC-WAR-MN\n");
-    EXPECT_EQ(buildid_line("Jan 10 2026", "24:00:00"), "L 1ZLAA-E1I-CCCCC-WAR-MN\n");
-    // Known prefixes ignore case; "9" and "Z" are doubled, separators kept; four steps.
-    const std::string head = "L 1ZLHM-E1I-CCCCC-WAR-";
-    EXPECT_EQ(buildid_line("Nov 17 2025", "12:09:29", "RELEASE_9z"), head + "RL_Z9ZZ\n");
-    EXPECT_EQ(buildid_line("Nov 17 2025", "12:09:29", "rel.kx"), head + "RE.AN\n");
-    EXPECT_EQ(buildid_line("Nov 17 2025", "12:09:29", "a!cdef"), head + "0%23\n");
+TEST(BuildId, EncodesDayHourAndBranch) {
+  EXPECT_EQ(buildid_line("Nov 17 2025", "12:09:29"), "L 1ZLHM-E1I-CCCCC-WAR-MN\n");
+  EXPECT_EQ(buildid_line("Nov  7 2025", "00:00:00"), "L 1ZL7A-E1I-CCCCC-WAR-MN\n");
+  EXPECT_EQ(buildid_line("Dec 31 2025", "23:59:59"), "L 1ZLVX-E1I-CCCCC-WAR-MN\n");
+  EXPECT_EQ(buildid_line("Jan 10 2026", "24:00:00"), "L 1ZLAA-E1I-CCCCC-WAR-MN\n");
+  // Known prefixes ignore case; "9" and "Z" are doubled, separators kept; four steps.
+  const std::string head = "L 1ZLHM-E1I-CCCCC-WAR-";
+  EXPECT_EQ(buildid_line("Nov 17 2025", "12:09:29", "RELEASE_9z"), head + "RL_Z9ZZ\n");
+  EXPECT_EQ(buildid_line("Nov 17 2025", "12:09:29", "rel.kx"), head + "RE.AN\n");
+  EXPECT_EQ(buildid_line("Nov 17 2025", "12:09:29", "a!cdef"), head + "0%23\n");
 }
 
-} // namespace
+}  // namespace
