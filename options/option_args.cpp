@@ -13,9 +13,13 @@
 
 namespace {
 
-bool is_optional(int type) { return type >= parse_optional_offset && type <= parse_last; }
+bool is_optional(int type) {
+  return type >= parse_optional_offset && type <= parse_last;
+}
 
-int base_type(int type) { return is_optional(type) ? type - parse_optional_offset : type; }
+int base_type(int type) {
+  return is_optional(type) ? type - parse_optional_offset : type;
+}
 
 bool is_numeric(int type) {
   int base = base_type(type);
@@ -23,16 +27,22 @@ bool is_numeric(int type) {
          base == parse_bounded_number || base == parse_number8;
 }
 
-bool is_oneof(int type) { return base_type(type) == parse_oneof_type || base_type(type) == parse_oneof_list; }
+bool is_oneof(int type) {
+  return base_type(type) == parse_oneof_type || base_type(type) == parse_oneof_list;
+}
 
-bool empty(const char* text) { return !text || !*text; }
+bool empty(const char* text) {
+  return !text || !*text;
+}
 
 constexpr uint64_t signed_unbounded = 0x7fffffffffffffffULL;
 constexpr uint64_t unsigned_unbounded = 0xffffffffffffffffULL;
 
 }  // namespace
 
-void option_engine::end_run() { std::exit(1); }
+void option_engine::end_run() {
+  std::exit(1);
+}
 
 static void report_missing(const option_engine& options, int id, const char* name) {
   std::string option = options.format_of_option(id);
@@ -148,8 +158,7 @@ unsigned long option_engine::strtoul_by_radix(const char* text, int* bad) {
   return value;
 }
 
-int option_engine::parse_oneof(int id, const char* rest, const char* name, int type,
-                               long* value) {
+int option_engine::parse_oneof(int id, const char* rest, const char* name, int type, long* value) {
   if (!valid(id) || !is_oneof(type)) return 0;
   if (is_optional(type)) {
     if (empty(rest)) return 0;

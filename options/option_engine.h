@@ -17,7 +17,6 @@ class DIAGNOSTIC;
 #define OO_STRINGIFY_(text) #text
 #define OO_STRINGIFY(text) OO_STRINGIFY_(text)
 
-
 // An owned copy of a text argument. The characters stay where they are when
 // the argument itself moves, so a text handed out by getstrarg survives
 // further arguments being added to the same option.
@@ -53,12 +52,37 @@ class option_engine {
  public:
   // Tools whose files can be noted in the history.
   enum tool_name : int {
-    tn_abszorv, tn_aczorv, tn_aczcop, tn_aciazorv, tn_aciazcop, tn_advzorv,
-    tn_arzorv, tn_asmzorv, tn_cbezorv, tn_cbeiazorv, tn_cgzorv, tn_cgzcop,
-    tn_demzorv, tn_diszorv, tn_lnkzorv, tn_embedzorv, tn_embedded_options,
-    tn_hexzorv, tn_ilkzorv, tn_clistzorv, tn_mkzorv, tn_nmzorv, tn_ocszorv,
-    tn_ofdzorv, tn_optzorv, tn_optzcop, tn_pddzorv, tn_pprofzorv, tn_clzorv,
-    tn_stripzorv, tn_xrefzorv,
+    tn_abszorv,
+    tn_aczorv,
+    tn_aczcop,
+    tn_aciazorv,
+    tn_aciazcop,
+    tn_advzorv,
+    tn_arzorv,
+    tn_asmzorv,
+    tn_cbezorv,
+    tn_cbeiazorv,
+    tn_cgzorv,
+    tn_cgzcop,
+    tn_demzorv,
+    tn_diszorv,
+    tn_lnkzorv,
+    tn_embedzorv,
+    tn_embedded_options,
+    tn_hexzorv,
+    tn_ilkzorv,
+    tn_clistzorv,
+    tn_mkzorv,
+    tn_nmzorv,
+    tn_ocszorv,
+    tn_ofdzorv,
+    tn_optzorv,
+    tn_optzcop,
+    tn_pddzorv,
+    tn_pprofzorv,
+    tn_clzorv,
+    tn_stripzorv,
+    tn_xrefzorv,
   };
 
   explicit option_engine(const option_table& table);
@@ -151,8 +175,7 @@ class option_engine {
   void dump_basic_class() const;
   void dump_class(int help_class) const;
   static const char* get_opt_txt(const char* long_form, const char* const* alt_forms,
-                                 const char* short_form, const char* arg_text,
-                                 int optional);
+                                 const char* short_form, const char* arg_text, int optional);
 
   // Class-wide maps of tools to their file options.
   static const std::map<std::string, tool_name>& tool_cmd_map();

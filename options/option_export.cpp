@@ -12,11 +12,14 @@ namespace {
 // The name under which dump_history shows file options (scrambled).
 const char* const file_option_name = "%%vachg_svyr";
 
-char* copy_out(const std::string& text) { return safestrdup(text.c_str()); }
+char* copy_out(const std::string& text) {
+  return safestrdup(text.c_str());
+}
 
 int* id_list(const std::vector<int>& ids, unsigned closing) {
   int* list = static_cast<int*>(safemalloc((ids.size() + 1) * sizeof(int)));
-  for (size_t i = 0; i < ids.size(); ++i) list[i] = ids[i];
+  for (size_t i = 0; i < ids.size(); ++i)
+    list[i] = ids[i];
   list[ids.size()] = static_cast<int>(closing);
   return list;
 }
@@ -102,7 +105,7 @@ int* option_engine::export_option_class(int type, int cls) const {
   if (cls >= 0 && static_cast<unsigned>(cls) < table_->k) {
     for (unsigned id = 0; id < table_->n; ++id) {
       if (!isclass(static_cast<int>(id), cls)) continue;
-      bool chosen = type == export_all ? true
+      bool chosen = type == export_all           ? true
                     : type == export_seen_or_set ? option_seen[id] != 0 || option_state[id] != 0
                                                  : option_state[id] != 0;
       if (chosen) ids.push_back(static_cast<int>(id));
@@ -158,8 +161,8 @@ char* option_engine::print() const {
 
 void option_engine::dump(int all) const {
   static const char* const kind_words[] = {
-      "NO ARGS", "STRING ARG:", "NUMBER ARG:", "HEXNUM ARG:", "ENUMERATED ARG:",
-      "STRING LIST ARG:", "NUMBER LIST ARG:", "ONEOF LIST ARG:"};
+      "NO ARGS",         "STRING ARG:",      "NUMBER ARG:",      "HEXNUM ARG:",
+      "ENUMERATED ARG:", "STRING LIST ARG:", "NUMBER LIST ARG:", "ONEOF LIST ARG:"};
   for (unsigned u = 0; u < table_->n; ++u) {
     int id = static_cast<int>(u);
     if (!all && option_state[id] == 0) continue;
@@ -178,7 +181,8 @@ void option_engine::dump(int all) const {
     if (k == kind_none) {
     } else if (is_list_kind(id)) {
       std::printf(" ");
-      for (unsigned i = 0; i < count; ++i) std::printf("%s ", value_text(id, i).c_str());
+      for (unsigned i = 0; i < count; ++i)
+        std::printf("%s ", value_text(id, i).c_str());
     } else if (count == 0) {
       std::printf(" <arg not provided>");
     } else {

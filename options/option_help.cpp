@@ -13,7 +13,9 @@ namespace {
 
 const char* const help_indent = "                          ";  // 26 blanks
 
-std::string plain(const char* scrambled) { return option_engine::rot13(scrambled); }
+std::string plain(const char* scrambled) {
+  return option_engine::rot13(scrambled);
+}
 
 bool starts_with_nocase(const char* scrambled_form, const char* topic) {
   std::string form = plain(scrambled_form);
@@ -37,8 +39,7 @@ std::string opt_txt(const option_row& row) {
 }  // namespace
 
 const char* option_engine::get_opt_txt(const char* long_form, const char* const* alt_forms,
-                                       const char* short_form, const char* arg_text,
-                                       int optional) {
+                                       const char* short_form, const char* arg_text, int optional) {
   static std::string text;
   std::string shown = short_form ? plain(short_form) : "";
   text = shown;
@@ -107,7 +108,8 @@ int option_engine::display_option_help(const char* topic, int keep_going) const 
         "When shown, option arguments and defaults apply to the usage of both long and\n"
         "short option forms.\n\n");
     dump_basic_class();
-    for (unsigned cls = 0; cls < table_->h; ++cls) dump_class(static_cast<int>(cls));
+    for (unsigned cls = 0; cls < table_->h; ++cls)
+      dump_class(static_cast<int>(cls));
     return 0;
   }
 

@@ -15,7 +15,9 @@ namespace {
 // nothing of the failing handler's later steps runs.
 struct scan_failed {};
 
-char fold(char c) { return static_cast<char>(std::tolower(static_cast<unsigned char>(c))); }
+char fold(char c) {
+  return static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+}
 
 }  // namespace
 
@@ -34,8 +36,7 @@ int option_engine::process_option(const char* text, const char** error_pos) {
       const char* saved = current_option;
       current_option = pos;
       family.failure_pos = pos;
-      if (!implied && *pos != '-' && *pos != '@' &&
-          !std::isalpha(static_cast<unsigned char>(*pos)))
+      if (!implied && *pos != '-' && *pos != '@' && !std::isalpha(static_cast<unsigned char>(*pos)))
         scan_failure(pos - 1);
       const char* end = nullptr;
       int index = walk(implied, pos, &end);
@@ -107,8 +108,7 @@ bool option_engine::takes_what_follows(const scan_row& spelling, const char* res
 
 // Runs the handler of a spelling; returns where the scan of the token goes
 // on (null when the token is used up) and, for a family, its letter.
-const char* option_engine::run_handler(const scan_row& spelling, const char* rest,
-                                       char* implied) {
+const char* option_engine::run_handler(const scan_row& spelling, const char* rest, char* implied) {
   const int id = spelling.id;
   *implied = '\0';
   if (spelling.handler == handler_help) run_help(spelling, rest);
@@ -133,8 +133,8 @@ const char* option_engine::run_handler(const scan_row& spelling, const char* res
       long value = 0;
       bool found = parse_oneof(id, rest, spelling.arg_name, spelling.parse_type, &value);
       if (!found && spelling.default_word)
-        found = parse_oneof(id, spelling.default_word, spelling.arg_name, spelling.parse_type,
-                            &value);
+        found =
+            parse_oneof(id, spelling.default_word, spelling.arg_name, spelling.parse_type, &value);
       setopt_internal(id);
       if (found) setarg(id, value);
       add_to_history(id);

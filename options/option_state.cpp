@@ -359,7 +359,9 @@ void option_engine::parsed_option(int id) {
   trace("Parsed option id %s/%d\n", rot13(table_->enum_to_enumtxt[id]), option_parsed[id]);
 }
 
-void option_engine::release_args(int id) { option_args[id].clear(); }
+void option_engine::release_args(int id) {
+  option_args[id].clear();
+}
 
 void option_engine::clearopt(int id) {
   if (!valid(id) || row(id).persistent) return;
@@ -408,22 +410,37 @@ void option_engine::record_input_command_line(int argc, char** argv) {
 
 const std::map<std::string, option_engine::tool_name>& option_engine::tool_cmd_map() {
   static const std::map<std::string, tool_name> map = {
-      {"abszorv", tn_abszorv},     {"aczorv", tn_aczorv},
-      {"aczcop", tn_aczcop},       {"aciazorv", tn_aciazorv},
-      {"aciazcop", tn_aciazcop},   {"advzorv", tn_advzorv},
-      {"arzorv", tn_arzorv},       {"asmzorv", tn_asmzorv},
-      {"cbezorv", tn_cbezorv},     {"cbeiazorv", tn_cbeiazorv},
-      {"cgzorv", tn_cgzorv},       {"cgzcop", tn_cgzcop},
-      {"demzorv", tn_demzorv},     {"diszorv", tn_diszorv},
-      {"lnkzorv", tn_lnkzorv},     {"embedzorv", tn_embedzorv},
+      {"abszorv", tn_abszorv},
+      {"aczorv", tn_aczorv},
+      {"aczcop", tn_aczcop},
+      {"aciazorv", tn_aciazorv},
+      {"aciazcop", tn_aciazcop},
+      {"advzorv", tn_advzorv},
+      {"arzorv", tn_arzorv},
+      {"asmzorv", tn_asmzorv},
+      {"cbezorv", tn_cbezorv},
+      {"cbeiazorv", tn_cbeiazorv},
+      {"cgzorv", tn_cgzorv},
+      {"cgzcop", tn_cgzcop},
+      {"demzorv", tn_demzorv},
+      {"diszorv", tn_diszorv},
+      {"lnkzorv", tn_lnkzorv},
+      {"embedzorv", tn_embedzorv},
       {"embedded_options", tn_embedded_options},
-      {"hexzorv", tn_hexzorv},     {"ilkzorv", tn_ilkzorv},
-      {"clistzorv", tn_clistzorv}, {"mkzorv", tn_mkzorv},
-      {"nmzorv", tn_nmzorv},       {"ocszorv", tn_ocszorv},
-      {"ofdzorv", tn_ofdzorv},     {"optzorv", tn_optzorv},
-      {"optzcop", tn_optzcop},     {"pddzorv", tn_pddzorv},
-      {"pprofzorv", tn_pprofzorv}, {"clzorv", tn_clzorv},
-      {"stripzorv", tn_stripzorv}, {"xrefzorv", tn_xrefzorv},
+      {"hexzorv", tn_hexzorv},
+      {"ilkzorv", tn_ilkzorv},
+      {"clistzorv", tn_clistzorv},
+      {"mkzorv", tn_mkzorv},
+      {"nmzorv", tn_nmzorv},
+      {"ocszorv", tn_ocszorv},
+      {"ofdzorv", tn_ofdzorv},
+      {"optzorv", tn_optzorv},
+      {"optzcop", tn_optzcop},
+      {"pddzorv", tn_pddzorv},
+      {"pprofzorv", tn_pprofzorv},
+      {"clzorv", tn_clzorv},
+      {"stripzorv", tn_stripzorv},
+      {"xrefzorv", tn_xrefzorv},
   };
   return map;
 }

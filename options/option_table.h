@@ -41,14 +41,14 @@ struct option_item {
 };
 
 struct option_row {
-  const char* long_form;           // scrambled
-  const char* const* alt_forms;    // scrambled, null-closed
-  const char* short_form;          // scrambled or null
+  const char* long_form;         // scrambled
+  const char* const* alt_forms;  // scrambled, null-closed
+  const char* short_form;        // scrambled or null
   uint32_t basic_order;
-  const char* arg_text;            // scrambled, maybe empty
+  const char* arg_text;  // scrambled, maybe empty
   bool arg_optional;
-  const char* help_text;           // scrambled
-  const char* long_help_text;      // scrambled, maybe empty
+  const char* help_text;       // scrambled
+  const char* long_help_text;  // scrambled, maybe empty
   bool internal;
   bool hidden;
   bool persistent;
@@ -107,9 +107,9 @@ using option_action = void (*)(option_engine& options, int id, const char* rest)
 
 // One spelling as the scanner knows it.
 struct scan_row {
-  const char* text;          // the token less its first dash, plain
+  const char* text;  // the token less its first dash, plain
   int id;
-  uint8_t form;              // value for option_form
+  uint8_t form;  // value for option_form
   scan_handler handler;
   int parse_type;
   const char* arg_name;      // scrambled
@@ -148,7 +148,7 @@ struct family_statics {
   const char* (**next_arg)();
   void (**open_cmd_file)(const char* path);
   void (**print_usage)(const char* program);  // null: help exits with 0
-  const char* failure_pos;                     // where the last scan failed
+  const char* failure_pos;                    // where the last scan failed
 };
 
 struct option_table {
@@ -164,8 +164,8 @@ struct option_table {
   const char* const* enum_to_optiontxt;  // canonical texts, scrambled
   const char* const* enum_to_enumtxt;    // upper-case internal names, scrambled
   const uint8_t* parm_type;
-  const uint8_t* classes;    // n rows of k bytes
-  const uint8_t* conflicts;  // n rows of n bytes
+  const uint8_t* classes;                 // n rows of k bytes
+  const uint8_t* conflicts;               // n rows of n bytes
   const char* const* class_descriptions;  // h titles, null-closed
   const scan_row* scan;
   unsigned scan_count;

@@ -41,7 +41,10 @@ void action_toolversion(option_engine&, int, const char*) {
 void (*option_obj::open_cmd_file)(const char*) = ignore_path;
 void (*option_obj::print_usage)(const char*) = ignore_program;
 
+// The generated part of the table; the slash is part of a path, so no formatting.
+// clang-format off
 #define OO_TABLE_INC(part) OO_STRINGIFY(options/optobj_##part.inc)
+// clang-format on
 #define OO_FAMILY option_obj
 #define OO_OPEN_CMD_FILE &option_obj::open_cmd_file
 #define OO_PRINT_USAGE &option_obj::print_usage

@@ -11,7 +11,9 @@
 
 namespace {
 
-const char* no_next_arg() { return nullptr; }
+const char* no_next_arg() {
+  return nullptr;
+}
 
 constexpr option_action action_none = nullptr;
 
@@ -34,17 +36,18 @@ constexpr option_action action_none = nullptr;
 #include OO_TABLE_INC(alt_forms)
 #undef ALT_FORMS
 
-#define OO_ITEM(text, value) {text, value}
+#define OO_ITEM(text, value) \
+  { text, value }
 #define ITEM_LIST(name, ...) const option_item OO_##name##_ITEMLIST[] = {__VA_ARGS__, {nullptr, 0}};
 #include OO_TABLE_INC(item_lists)
 #undef ITEM_LIST
 #undef OO_ITEM
 
 const option_row option_definitions[] = {
-#define OPTION_ROW(name, long_form, short_form, basic_order, arg_text, arg_optional, help,      \
+#define OPTION_ROW(name, long_form, short_form, basic_order, arg_text, arg_optional, help,     \
                    long_help, internal, hidden, persistent, help_class, item_list, sort_order) \
-  {long_form, alt_##name, short_form, basic_order, arg_text, arg_optional, help, long_help,    \
-   internal, hidden, persistent, help_class, item_list, sort_order},
+  {long_form, alt_##name, short_form, basic_order, arg_text,   arg_optional, help,             \
+   long_help, internal,   hidden,     persistent,  help_class, item_list,    sort_order},
 #include OO_TABLE_INC(definitions)
 #undef OPTION_ROW
     // closing row: walks over the rows stop at its help class
@@ -89,11 +92,21 @@ const char* const class_descriptions[] = {
     nullptr};
 
 const scan_row scan_rows[] = {
-#define SCAN_ROW(text, name, form, handler, parse_type, arg_name, low, high, default_word,      \
-                 case_warning, continuation, action, takes_rest)                               \
-  {text, OO_FAMILY::name, form, static_cast<scan_handler>(handler), parse_type, arg_name, low,  \
-   high, default_word, case_warning, static_cast<scan_continuation>(continuation),              \
-   action_##action, takes_rest},
+#define SCAN_ROW(text, name, form, handler, parse_type, arg_name, low, high, default_word, \
+                 case_warning, continuation, action, takes_rest)                           \
+  {text,                                                                                   \
+   OO_FAMILY::name,                                                                        \
+   form,                                                                                   \
+   static_cast<scan_handler>(handler),                                                     \
+   parse_type,                                                                             \
+   arg_name,                                                                               \
+   low,                                                                                    \
+   high,                                                                                   \
+   default_word,                                                                           \
+   case_warning,                                                                           \
+   static_cast<scan_continuation>(continuation),                                           \
+   action_##action,                                                                        \
+   takes_rest},
 #include OO_TABLE_INC(scan)
 #undef SCAN_ROW
 };

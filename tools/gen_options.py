@@ -33,6 +33,9 @@ ONEOF_PARSE = {6, 7}
 KIND_PARSE = {1: {3}, 2: NUMERIC_PARSE, 3: NUMERIC_PARSE, 4: {6},
               5: {4}, 6: NUMERIC_PARSE, 7: {7}}
 SEVERITIES = {"remark": 4, "warning": 5, "error": 6}
+RULE_KINDS = {"warning": 5, "error": 6}
+EXPECTABLE = ("options", "items", "internal", "hidden", "persistent", "defaults",
+              "arg_optional", "sort_order_500", "class_cells", "conflict_cells", "rules")
 CONTINUATIONS = {"end": 0, "cluster": 1, "family": 2}
 # Named handlers the engine provides; "rest" ones take the rest of the token.
 ACTIONS = {
@@ -108,6 +111,7 @@ class Record:
         self.deprecated = None
         self.conflict_groups = []
         self.conflicts = []
+        self.rules = []
         self.sort_order = 500
         self.basic_order = 0
         self.handler = None
@@ -123,6 +127,8 @@ class Table:
         self.first_fileopt = None
         self.short_groups = {}   # first letter (lower case) -> continuation
         self.short_default = "cluster"
+        self.in_id_order = False  # records must stand in the order of their ids
+        self.expects = []        # (what, count, line): counts the table must have
         self.help_classes = []   # (ident, title, line)
         self.records = []
 
@@ -183,7 +189,7 @@ def parse_source(path):
                 section = None
             continue
         if section == "table":
-            parse_table_line(table, key, args, fail)
+            parse_table_line(table, key, args, lineno, fail)
         elif section == "option" and record is not None:
             parse_record_line(record, key, args, lineno, fail)
         else:
@@ -199,13 +205,19 @@ def parse_int(text, fail, what):
         return None
 
 
-def parse_table_line(table, key, args, fail):
+def parse_table_line(table, key, args, lineno, fail):
     if key == "debug_prefix" and len(args) == 1:
         table.debug_prefix = args[0]
     elif key in ("class_columns", "alt_slots", "first_fileopt") and len(args) == 1:
         setattr(table, key, parse_int(args[0], fail, key))
     elif key == "fold_case" and len(args) == 1 and args[0] in ("yes", "no"):
         table.fold_case = args[0] == "yes"
+    elif key == "in_id_order" and len(args) == 1 and args[0] in ("yes", "no"):
+        table.in_id_order = args[0] == "yes"
+    elif key == "expect" and len(args) == 2 and args[0] in EXPECTABLE:
+        count = parse_int(args[1], fail, "expect")
+        if count is not None:
+            table.expects.append((args[0], count, lineno))
     elif key == "short_default" and len(args) == 1 and args[0] in CONTINUATIONS:
         table.short_default = args[0]
     elif key == "short_group" and len(args) >= 2 and args[0] in CONTINUATIONS:
@@ -222,7 +234,7 @@ def parse_table_line(table, key, args, fail):
 
 def parse_record_line(rec, key, args, lineno, fail):
     if key in rec.fields and key not in ("spelling", "also_sets", "conflicts",
-                                         "conflict_group"):
+                                         "conflict_group", "rule"):
         fail("'%s' given twice" % key)
         return
     rec.fields[key] = lineno
@@ -304,6 +316,12 @@ def parse_record_line(rec, key, args, lineno, fail):
             fail("also_sets takes TARGET[=word] [when WORD | by_number WORDS... | increment]")
             return
         rec.also_sets.append(entry)
+    elif key == "rule":
+        rule = parse_rule(args, lineno)
+        if rule is None:
+            fail("rule takes [when WORD] with|without OPTION[=WORD,...] error|warning TEXT")
+        else:
+            rec.rules.append(rule)
     elif key == "deprecated" and len(args) == 2 and args[0] in SEVERITIES:
         rec.deprecated = (SEVERITIES[args[0]], args[1])
     elif key == "conflict_group" and len(args) == 2:
@@ -325,6 +343,22 @@ def parse_record_line(rec, key, args, lineno, fail):
         rec.basic_order = parse_int(args[0], fail, "basic_order")
     else:
         fail("bad option line '%s'" % " ".join([key] + args))
+
+
+def parse_rule(args, lineno):
+    """A dependency rule: [when WORD] with|without OTHER[=WORD,...] KIND TEXT."""
+    rule = {"line": lineno, "when": None}
+    if args[:1] == ["when"] and len(args) >= 2:
+        rule["when"], args = args[1], args[2:]
+    if len(args) != 4 or args[0] not in ("with", "without") or args[2] not in RULE_KINDS:
+        return None
+    rule["relation"] = args[0]
+    other, _, words = args[1].partition("=")
+    rule["other"] = other
+    rule["words"] = words.split(",") if words else []
+    rule["severity"] = RULE_KINDS[args[2]]
+    rule["text"] = args[3]
+    return rule
 
 
 def check_and_derive(path, table):
@@ -356,6 +390,11 @@ def check_and_derive(path, table):
             fail(rec.line, "option %s defined twice (first at line %d)"
                  % (rec.name, names[rec.name].line))
         names[rec.name] = rec
+    if table.in_id_order:
+        for before, after in zip(table.records, table.records[1:]):
+            if after.name.lower() <= before.name.lower():
+                fail(after.line, "option %s must sort after %s, which stands before it"
+                     % (after.name, before.name))
     table.records.sort(key=lambda r: r.name.lower())
     for index, rec in enumerate(table.records):
         rec.id = index
@@ -374,7 +413,29 @@ def check_and_derive(path, table):
 
     number_items(table)
     table.conflict_matrix = build_conflicts(table, names, fail)
+    if not errors:
+        check_expected_counts(table, fail)
     return errors
+
+
+def check_expected_counts(table, fail):
+    recs = table.records
+    actual = {
+        "options": len(recs),
+        "items": table.item_count,
+        "internal": sum("internal" in r.flags for r in recs),
+        "hidden": sum("hidden" in r.flags for r in recs),
+        "persistent": sum("persistent" in r.flags for r in recs),
+        "defaults": sum(r.default is not None for r in recs),
+        "arg_optional": sum("arg_optional" in r.flags for r in recs),
+        "sort_order_500": sum(r.sort_order == 500 for r in recs),
+        "class_cells": sum(len(set(r.classes)) for r in recs),
+        "conflict_cells": sum(1 for row in table.conflict_matrix for v in row if v),
+        "rules": sum(len(r.rules) for r in recs),
+    }
+    for what, count, line in table.expects:
+        if actual[what] != count:
+            fail(line, "the table should have %d %s but has %d" % (count, what, actual[what]))
 
 
 def check_record(table, rec, help_ids, names, fail):
@@ -495,9 +556,27 @@ def check_record(table, rec, help_ids, names, fail):
         if entry["increment"] and target.kind not in (2, 3):
             fail(entry["line"], "increment needs a numeric target")
 
+    for rule in rec.rules:
+        check_rule(rec, rule, names, fail)
     for sp in rec.spellings:
         if sp.continuation is None:
             sp.continuation = default_continuation(table, sp)
+
+
+def check_rule(rec, rule, names, fail):
+    other = names.get(rule["other"])
+    if other is None:
+        fail(rule["line"], "rule names unknown option %s" % rule["other"])
+        return
+    for owner, words in ((rec, [rule["when"]] if rule["when"] else []), (other, rule["words"])):
+        if words and owner.kind == 0:
+            fail(rule["line"], "%s takes no argument, so a rule names no word of it"
+                 % owner.name)
+        items = [i[1:] for i in owner.items]
+        for word in words:
+            # rules compare exactly, so a word must be spelled as its item is
+            if owner.items and word not in items:
+                fail(rule["line"], "'%s' is no item of %s" % (word, owner.name))
 
 
 def base_parse(rec):
@@ -657,6 +736,13 @@ def generate(table, outdir, prefix, source):
                 c_string(",".join(e["by_number"])) if e["by_number"] else "nullptr",
                 bool_c(e["increment"])))
     emit(outdir, prefix, "also_sets", also, source)
+    emit(outdir, prefix, "depend_rules",
+         ["DEPEND_RULE(%d, %s, %s, %s, %s, %s, %d%s)" % (
+             index, r.name, c_string(rule["when"]), bool_c(rule["relation"] == "with"),
+             rule["other"], c_string(rule["text"]), rule["severity"],
+             "".join(", " + c_string(w) for w in rule["words"]))
+          for index, (r, rule) in enumerate((r, rule) for r in recs for rule in r.rules)],
+         source)
     emit(outdir, prefix, "deprecations",
          ["DEPRECATION(%s, %d, %s)" % (r.name, r.deprecated[0], c_string(r.deprecated[1]))
           for r in recs if r.deprecated], source)

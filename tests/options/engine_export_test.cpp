@@ -36,7 +36,8 @@ TEST(rot13, IsItsOwnInverseAndSwapsDashAndPercent) {
 
 TEST(rot13, AResultLivesForFourFurtherCalls) {
   const char* first = option_engine::rot13("one");
-  for (const char* text : {"two", "three", "four", "five"}) option_engine::rot13(text);
+  for (const char* text : {"two", "three", "four", "five"})
+    option_engine::rot13(text);
   EXPECT_STREQ(first, "bar");
   const char* sixth = option_engine::rot13("six");
   EXPECT_EQ(sixth, first);  // the ring has come round
@@ -91,7 +92,8 @@ TEST_F(export_, ListsChooseBySeenAndSetAndClass) {
   EXPECT_EQ(set_in_class[1], T::OPTION_COUNT);
   int* out_of_range = opts.export_option_class(export_all, 9);
   EXPECT_EQ(out_of_range[0], T::OPTION_COUNT);
-  for (int* list : {seen, set_in_class, out_of_range}) std::free(list);
+  for (int* list : {seen, set_in_class, out_of_range})
+    std::free(list);
   std::vector<optlist> pairs = opts.export_option_pairs(export_set, 0);
   ASSERT_EQ(pairs.size(), 2u);
   EXPECT_EQ(pairs[1].id, T::KEEP);
@@ -145,7 +147,7 @@ TEST_F(export_, HelpTopicMatchesNamesByPrefixAndTextsAnywhere) {
 }
 
 TEST_F(export_, HelpLineBreaksAfterALeftColumnOfTwentyCharacters) {
-  std::string twenty = help_on("--numbers");   // "--numbers=value_list"
+  std::string twenty = help_on("--numbers");         // "--numbers=value_list"
   std::string twenty_one = help_on("--alpha_beta");  // "--alpha_beta=wordtext"
   EXPECT_EQ(twenty.rfind("  --numbers=value_list    A list", 0), 0u) << twenty;
   EXPECT_EQ(twenty_one.rfind("  --alpha_beta=wordtext \n" + std::string(26, ' ') + "A text", 0), 0u)
@@ -153,8 +155,12 @@ TEST_F(export_, HelpLineBreaksAfterALeftColumnOfTwentyCharacters) {
 }
 
 TEST_F(export_, HelpWithoutMatchEndsWithItsMessage) {
-  EXPECT_EXIT({ dup2(2, 1); opts.display_option_help("zzz", 0); },
-              ::testing::ExitedWithCode(0), ">> Help: No options match the string 'zzz'");
+  EXPECT_EXIT(
+      {
+        dup2(2, 1);
+        opts.display_option_help("zzz", 0);
+      },
+      ::testing::ExitedWithCode(0), ">> Help: No options match the string 'zzz'");
 }
 
 TEST_F(export_, OverviewListsTheGroupsUnderTheProgramsName) {

@@ -43,7 +43,7 @@ TEST_F(scan, FailurePositionPointsWhereTheWalkStopped) {
   EXPECT_EQ(pos, text + 4);
   const char* digit = "-5";
   EXPECT_EQ(opts.process_option(digit + 1, &pos), 0);
-  EXPECT_EQ(pos, digit);  // a character that starts nothing: one back
+  EXPECT_EQ(pos, digit);       // a character that starts nothing: one back
   const char* letter = "-vq";  // no short spelling begins with q
   EXPECT_EQ(opts.process_option(letter + 1, &pos), 0);
   EXPECT_EQ(pos, letter + 1);
@@ -155,10 +155,25 @@ TEST_F(scan, DeprecatedOptionCountsItsErrorAndSetsTheOthers) {
 
 TEST_F(scan, HelpFindsItsTopicAndEndsTheRunWithZero) {
   // stdout goes to stderr in the child, where the regex looks
-  EXPECT_EXIT({ dup2(2, 1); run("hchoice"); }, ::testing::ExitedWithCode(0), "--color=color");
-  EXPECT_EXIT({ dup2(2, 1); run("h=--zip"); }, ::testing::ExitedWithCode(0), "--zip,-z");
+  EXPECT_EXIT(
+      {
+        dup2(2, 1);
+        run("hchoice");
+      },
+      ::testing::ExitedWithCode(0), "--color=color");
+  EXPECT_EXIT(
+      {
+        dup2(2, 1);
+        run("h=--zip");
+      },
+      ::testing::ExitedWithCode(0), "--zip,-z");
   script_tokens({"--numbers"});
-  EXPECT_EXIT({ dup2(2, 1); run("-help"); }, ::testing::ExitedWithCode(0), "--numbers=value");
+  EXPECT_EXIT(
+      {
+        dup2(2, 1);
+        run("-help");
+      },
+      ::testing::ExitedWithCode(0), "--numbers=value");
   EXPECT_EQ(run("-help=x"), 0);  // the long form takes no text
   EXPECT_EQ(opts.option_state[T::HELP], 0);
 }

@@ -14,7 +14,8 @@ class state : public options_fixture {
   int run(const char* text) { return opts.process_option(text, nullptr); }
   int history_entries(int id) const {
     int count = 0;
-    for (const auto& entry : opts.history) count += entry.first == id;
+    for (const auto& entry : opts.history)
+      count += entry.first == id;
     return count;
   }
 };
@@ -31,7 +32,8 @@ TEST_F(state, ConstructorDefaultsAreSetButNotParsed) {
 TEST_F(state, ListOptionKeepsAnEntryPerSetting) {
   run("-names=a");
   const char* first = opts.getstrarg(T::NAMES, 0);
-  for (const char* more : {"n=b", "n=c", "n=d", "n=e", "n=f"}) run(more);
+  for (const char* more : {"n=b", "n=c", "n=d", "n=e", "n=f"})
+    run(more);
   EXPECT_EQ(opts.getargcount(T::NAMES), 6);
   EXPECT_EQ(history_entries(T::NAMES), 6);
   EXPECT_EQ(opts.history.back().second.text, "f");

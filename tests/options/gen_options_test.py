@@ -77,6 +77,31 @@ class BadSources(unittest.TestCase):
         self.assertEqual(code, 1)
         self.assertIn("bad.opt:10: spelling '-5' can never be scanned", err)
 
+    def test_rule_words_must_be_items_spelled_exactly(self):
+        code, err, _ = run(HEADER +
+                           "option A\n  spelling --a\n  help_class MAIN\n  help \"a\"\n"
+                           "  rule with B=ON error \"--b=on\"\n"
+                           "  rule without C warning \"--c\"\n"
+                           "  rule when x with B error \"--b\"\n"
+                           "option B\n  spelling --b\n  kind oneof\n  parse oneof\n  arg x\n"
+                           "  items +on +off\n  help_class MAIN\n  help \"b\"\n")
+        self.assertEqual(code, 1)
+        self.assertIn("bad.opt:12: 'ON' is no item of B", err)
+        self.assertIn("bad.opt:13: rule names unknown option C", err)
+        self.assertIn("bad.opt:14: A takes no argument, so a rule names no word of it", err)
+
+    def test_order_and_expected_counts(self):
+        rec = "option %s\n  spelling --%s\n  help_class MAIN\n  help \"x\"\n  flags hidden\n"
+        ordered = HEADER.replace("fold_case no", "fold_case no\n  in_id_order yes\n"
+                                 "  expect options 2\n  expect hidden 1")
+        code, err, _ = run(ordered + rec % ("B", "b") + rec % ("A", "a"))
+        self.assertEqual(code, 1)
+        self.assertIn("bad.opt:16: option A must sort after B, which stands before it", err)
+        code, err, _ = run(ordered + rec % ("A", "a") + rec % ("B", "b"))
+        self.assertEqual(code, 1)
+        self.assertIn("bad.opt:8: the table should have 1 hidden but has 2", err)
+        self.assertNotIn("options", err)
+
 
 if __name__ == "__main__":
     unittest.main()

@@ -1,23 +1,9 @@
 // The compiler shell's rows that the tool reads, and the pass after the scan.
-#include "options/optobj_shell.h"
-#include "test_family.h"
+#include "shell_fixture.h"
 
 namespace {
 
-using S = option_obj_shell;
 using ::testing::ExitedWithCode;
-
-class shell_options : public options_fixture {
- protected:
-  void SetUp() override {
-    options_fixture::SetUp();
-    S::next_arg = scripted_next_arg;
-  }
-  S opts{true};
-  int run(const char* text) { return opts.process_option(text, nullptr); }
-  const char* level() const { return opts.getstrarg(S::OPT_LEVEL, 0); }
-  const char* goal() const { return opts.getstrarg(S::SIZE_SPEED_GOAL, 0); }
-};
 
 TEST_F(shell_options, GoalIsSetFromTheStartAndSurvivesClearing) {
   EXPECT_EQ(opts.option_state[S::SIZE_SPEED_GOAL], 1);
@@ -38,8 +24,9 @@ TEST_F(shell_options, OptLevelFromTheShortFormFamily) {
   run("-opt_level=1");
   EXPECT_STREQ(level(), "1");
   EXPECT_EQ(opts.option_parsed[S::OPT_LEVEL], 4u);
-  EXPECT_EXIT(run("O5"), ExitedWithCode(1), "bad argument to option -O: should be one of "
-                                            "\\{off,0,1,2,3,4\\}");
+  EXPECT_EXIT(run("O5"), ExitedWithCode(1),
+              "bad argument to option -O: should be one of "
+              "\\{off,0,1,2,3,4\\}");
 }
 
 TEST_F(shell_options, LevelIsOffAfterPostProcessingUnlessGiven) {

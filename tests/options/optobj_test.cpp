@@ -12,8 +12,12 @@ using O = option_obj;
 using ::testing::ExitedWithCode;
 
 std::vector<std::string> opened;
-void record_open(const char* path) { opened.push_back(path ? path : "(null)"); }
-void usage_to_stdout(const char* program) { std::printf("USAGE OF %s\n", program); }
+void record_open(const char* path) {
+  opened.push_back(path ? path : "(null)");
+}
+void usage_to_stdout(const char* program) {
+  std::printf("USAGE OF %s\n", program);
+}
 
 class tool_options : public options_fixture {
  protected:
@@ -35,7 +39,8 @@ TEST_F(tool_options, OnlyTheElevenLongAndThreeShortSpellingsExist) {
         "-help2", "-benchmarks", "-benchmark", "-benchmark:option_", "-benchmark:option_x",
         "-debug_trace", "-dump_options", "x", "V"})
     EXPECT_EQ(run(unknown), 0) << unknown;
-  for (int id = 0; id < O::OPTION_COUNT; ++id) EXPECT_EQ(opts.option_state[id], 0);
+  for (int id = 0; id < O::OPTION_COUNT; ++id)
+    EXPECT_EQ(opts.option_state[id], 0);
 }
 
 TEST_F(tool_options, BenchmarkEventTakesItsWordsInAnyCase) {
@@ -71,7 +76,8 @@ TEST_F(tool_options, AdviceFileShowsAdviceAndRecordsTheErrorNumberRow) {
   EXPECT_STREQ(opts.getstrarg(O::ADVICE_FILE, 0), "-b");
   EXPECT_EQ(opts.option_state[O::ADVICE_FILE], 2);
   int entries = 0;
-  for (const auto& entry : opts.history) entries += entry.first == O::ADVICE_FILE;
+  for (const auto& entry : opts.history)
+    entries += entry.first == O::ADVICE_FILE;
   EXPECT_EQ(entries, 1);
   EXPECT_TRUE(DIAGNOSTIC::advice_m);
   EXPECT_EQ(opts.option_state[O::DISPLAY_ERROR_NUMBER], 2);
@@ -113,20 +119,49 @@ TEST_F(tool_options, VerboseClustersAndStaysSetBeforeAFailure) {
 
 TEST_F(tool_options, HelpTopicsByForm) {
   script_tokens({"--verbose"});
-  EXPECT_EXIT({ dup2(2, 1); run("h"); }, ExitedWithCode(0), "--verbose,-v");
+  EXPECT_EXIT(
+      {
+        dup2(2, 1);
+        run("h");
+      },
+      ExitedWithCode(0), "--verbose,-v");
   // names match from their first dash on, texts anywhere
-  EXPECT_EXIT({ dup2(2, 1); run("hv"); }, ExitedWithCode(0), "--diag_wrap");
-  EXPECT_EXIT({ dup2(2, 1); run("h=bench"); }, ExitedWithCode(0),
-              "--benchmark:event=event.*--benchmarks_file");
+  EXPECT_EXIT(
+      {
+        dup2(2, 1);
+        run("hv");
+      },
+      ExitedWithCode(0), "--diag_wrap");
+  EXPECT_EXIT(
+      {
+        dup2(2, 1);
+        run("h=bench");
+      },
+      ExitedWithCode(0), "--benchmark:event=event.*--benchmarks_file");
   script_tokens({});  // without a topic: the overview, then the usage
-  EXPECT_EXIT({ dup2(2, 1); run("vh"); }, ExitedWithCode(1), "USAGE OF advzorv");
-  EXPECT_EXIT({ dup2(2, 1); run("-help"); }, ExitedWithCode(1),
-              "Usage: advzorv \\[-options\\] filename.*General Options:.*USAGE OF advzorv");
+  EXPECT_EXIT(
+      {
+        dup2(2, 1);
+        run("vh");
+      },
+      ExitedWithCode(1), "USAGE OF advzorv");
+  EXPECT_EXIT(
+      {
+        dup2(2, 1);
+        run("-help");
+      },
+      ExitedWithCode(1),
+      "Usage: advzorv \\[-options\\] filename.*General Options:.*USAGE OF advzorv");
   EXPECT_EQ(run("-help=x"), 0);
 }
 
 TEST_F(tool_options, ToolversionPrintsTheVersionAndEndsWithZero) {
-  EXPECT_EXIT({ dup2(2, 1); run("-toolversion"); }, ExitedWithCode(0), ".");
+  EXPECT_EXIT(
+      {
+        dup2(2, 1);
+        run("-toolversion");
+      },
+      ExitedWithCode(0), ".");
 }
 
 TEST_F(tool_options, PostProcessingChangesNothingInThisTable) {

@@ -4,7 +4,10 @@
 
 #include "DIAG/diag.h"
 
+// The generated part of the table; the slash is part of a path, so no formatting.
+// clang-format off
 #define OO_TABLE_INC(part) OO_STRINGIFY(options/engine_test_##part.inc)
+// clang-format on
 #define OO_FAMILY option_obj_test
 #define OO_OPEN_CMD_FILE nullptr
 #define OO_PRINT_USAGE nullptr
@@ -29,7 +32,9 @@ namespace {
 std::deque<const char*> tokens;
 }
 
-void script_tokens(std::vector<const char*> list) { tokens.assign(list.begin(), list.end()); }
+void script_tokens(std::vector<const char*> list) {
+  tokens.assign(list.begin(), list.end());
+}
 
 const char* scripted_next_arg() {
   if (tokens.empty()) return nullptr;
@@ -53,7 +58,8 @@ std::string diag_capture::text() {
   std::rewind(file_);
   char buffer[512];
   size_t got;
-  while ((got = std::fread(buffer, 1, sizeof buffer, file_)) > 0) out.append(buffer, got);
+  while ((got = std::fread(buffer, 1, sizeof buffer, file_)) > 0)
+    out.append(buffer, got);
   std::fseek(file_, 0, SEEK_END);  // later messages are appended
   return out;
 }

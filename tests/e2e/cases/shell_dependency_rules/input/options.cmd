@@ -1,0 +1,2 @@
+--abi=coffabi --float_support=zfpa64
+--idiv_support -os

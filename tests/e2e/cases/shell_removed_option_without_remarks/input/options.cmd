@@ -1,0 +1,1 @@
+--gcc --no_inlining -O3
