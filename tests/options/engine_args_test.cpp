@@ -8,11 +8,7 @@ namespace {
 using T = option_obj_test;
 using ::testing::ExitedWithCode;
 
-class args : public options_fixture {
- protected:
-  T opts;
-  int run(const char* text) { return opts.process_option(text, nullptr); }
-};
+using args = test_table_fixture;
 
 TEST(radix, SuffixesAndPrefixesPickTheRadix) {
   struct {

@@ -9,10 +9,8 @@ namespace {
 
 using T = option_obj_test;
 
-class export_ : public options_fixture {
+class export_ : public test_table_fixture {
  protected:
-  T opts;
-  int run(const char* text) { return opts.process_option(text, nullptr); }
   std::string exported(int id, int index) {
     char* text = opts.export_option(id, index);
     std::string result = text ? text : "(null)";

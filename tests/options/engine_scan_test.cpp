@@ -9,11 +9,7 @@ namespace {
 
 using T = option_obj_test;
 
-class scan : public options_fixture {
- protected:
-  T opts;
-  int run(const char* text) { return opts.process_option(text, nullptr); }
-};
+using scan = test_table_fixture;
 
 TEST_F(scan, EmptyTextIsAcceptedAndChangesNothing) {
   EXPECT_EQ(run(""), 1);

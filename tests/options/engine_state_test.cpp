@@ -8,10 +8,8 @@ namespace {
 using T = option_obj_test;
 using ::testing::ExitedWithCode;
 
-class state : public options_fixture {
+class state : public test_table_fixture {
  protected:
-  T opts;
-  int run(const char* text) { return opts.process_option(text, nullptr); }
   int history_entries(int id) const {
     int count = 0;
     for (const auto& entry : opts.history)

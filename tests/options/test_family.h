@@ -52,3 +52,10 @@ class options_fixture : public ::testing::Test {
     DIAGNOSTIC::remarks_m = false;
   }
 };
+
+// A fresh object over the synthetic table, and a way to scan one token into it.
+class test_table_fixture : public options_fixture {
+ protected:
+  option_obj_test opts;
+  int run(const char* text) { return opts.process_option(text, nullptr); }
+};
