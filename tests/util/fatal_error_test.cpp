@@ -129,7 +129,7 @@ TEST(Sigstrnappend, AppendsWhatFits) {
   EXPECT_EQ(std::string(full, sizeof full), std::string("abc\0", 4));
 
   // The formatted text is cut at 2047 characters.
-  static char large[4000] = "";
+  char large[4000] = "";
   sigstrnappend(large, sizeof large, "%s", std::string(3000, 'y').c_str());
   EXPECT_EQ(strlen(large), 2047u);
 }

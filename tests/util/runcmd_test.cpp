@@ -1,0 +1,273 @@
+#include "UTIL/runcmd.h"
+
+#include <sys/stat.h>
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "UTIL/filename.h"
+#include "tests/util/capture.h"
+#include "tests/util/temp_dir.h"
+
+namespace {
+
+// Gives the texts as the char** that run_command takes.
+class Args {
+ public:
+  Args(std::vector<std::string> texts) : texts_(std::move(texts)) {
+    for (std::string& text : texts_)
+      pointers_.push_back(text.data());
+  }
+  char** data() { return pointers_.data(); }
+  int count() const { return static_cast<int>(texts_.size()); }
+
+ private:
+  std::vector<std::string> texts_;
+  std::vector<char*> pointers_;
+};
+
+int run(const std::string& command, std::vector<std::string> texts, const char* option = nullptr,
+        int echo_level = 0, bool report = false, timing_info* times = nullptr) {
+  Args args(std::move(texts));
+  return run_command(command.c_str(), args.data(), args.count(), option, echo_level, report, times);
+}
+
+// The quoted forms of texts and the result of quote_arguments.
+std::pair<std::vector<std::string>, int> quoted(std::vector<std::string> texts, bool quote) {
+  Args args(std::move(texts));
+  std::vector<char*> out(static_cast<size_t>(args.count()));
+  const int result = quote_arguments(args.count(), args.data(), out.data(), quote);
+  std::vector<std::string> forms;
+  for (char* form : out) {
+    forms.emplace_back(form);
+    free(form);
+  }
+  return {forms, result};
+}
+
+// Temporary command files land in a directory of the test's own; the settings
+// are back at their defaults after each test.
+class RunCommand : public testing::Test {
+ protected:
+  TempDir tmp;
+  ScopedEnv tmpdir{"TMPDIR", tmp.path().c_str()};
+  std::string recorder = tmp.file("recorder");
+
+  void SetUp() override {
+    // Writes each argument on a line of "seen" and copies a command file to "cmdfile".
+    make_script(recorder, "out='" + tmp.file("seen") +
+                              "'\n: > \"$out\"\n"
+                              "for a in \"$@\"; do printf '%s\\n' \"$a\" >> \"$out\"\n"
+                              "  case \"$a\" in -@*) cat \"${a#-@}\" > '" +
+                              tmp.file("cmdfile") +
+                              "';; esac\n"
+                              "done\n");
+  }
+  void TearDown() override {
+    enable_command_files();
+    dump_command_files(0);
+    dump_command_args(0);
+    add_run_search_path(nullptr);
+  }
+
+  static void make_script(const std::string& path, const std::string& body) {
+    write_file(path, "#!/bin/sh\n" + body);
+    chmod(path.c_str(), 0755);
+  }
+
+  std::string seen() const { return read_file(tmp.file("seen")); }
+  std::string cmdfile() const { return read_file(tmp.file("cmdfile")); }
+};
+
+// Two arguments whose line counts 1022 characters (the dashes don't count), or
+// 1023 with longer.
+std::vector<std::string> line_of(bool longer) {
+  return {"--" + std::string(510, 'y'), std::string(longer ? 511 : 510, 'z')};
+}
+
+TEST(QuoteArguments, QuotesBodiesThatNeedItAndKeepsDashesOutside) {
+  const auto [forms, result] = quoted({"--opt=1", "123", "12ab", "ab12", ".hidden", "dir/",
+                                       "a/b\\c", "say \"hi\"", "------x", "plain", "trail\\"},
+                                      true);
+  const std::vector<std::string> expected = {
+      "--\"opt=1\"", "123",      "\"12ab\"",     "ab12",
+      "\".hidden\"", "\"dir/\"", "\"a/b\\\\c\"", "\"say \\\"hi\\\"\"",
+      "-----\"-x\"", "plain",    "\"trail\\\\\""};
+  EXPECT_EQ(forms, expected);
+  EXPECT_EQ(result, 1);
+
+  EXPECT_EQ(quoted({"plain", "-x", "123"}, true).second, 0);
+  EXPECT_EQ(quoted({"a\"b"}, true).second, 1);  // escaped, though not quoted
+  // Without quoting nothing changes and only the length counts.
+  EXPECT_EQ(quoted({"--opt=1", "a b"}, false),
+            (std::pair<std::vector<std::string>, int>{{"--opt=1", "a b"}, 0}));
+}
+
+TEST_F(RunCommand, ExitStatusIsTheResultAndIsReportedOnRequest) {
+  EXPECT_EQ(run("/bin/true", {}, nullptr, 0, true), 0);
+  std::string out = capture_output(stdout, [] { EXPECT_EQ(run("/bin/sh", {"-c", "exit 3"}), 3); });
+  EXPECT_EQ(out, "");
+  out = capture_output(stdout, [] {
+    EXPECT_EQ(run("/bin/sh", {"-c", "exit 3"}, nullptr, 0, true), 3);
+  });
+  EXPECT_EQ(out, "\n>> Compilation failure\n");
+
+  // A program that can't be started makes the child exit with 1.
+  const std::string missing = tmp.file("no-such-program");
+  std::string err = capture_output(stderr, [&] { EXPECT_EQ(run(missing, {"x"}), 1); });
+  EXPECT_EQ(err, "");
+  err = capture_output(stderr, [&] {
+    out = capture_output(stdout, [&] { EXPECT_EQ(run(missing, {"x"}, nullptr, 0, true), 1); });
+  });
+  EXPECT_EQ(err, "exec() error spawning " + missing + ": No such file or directory\n");
+  EXPECT_EQ(out, "\n>> Compilation failure\n");
+}
+
+TEST_F(RunCommand, ChildKilledBySignalKillsTheCaller) {
+  EXPECT_EXIT(run("/bin/sh", {"-c", "kill -TERM $$"}, nullptr, 0, true),
+              testing::KilledBySignal(SIGTERM), "abnormal termination of /bin/sh");
+}
+
+TEST_F(RunCommand, ArgumentsArePassedUnquotedOnTheCommandLine) {
+  EXPECT_EQ(run(recorder, {"a b", "--opt=1", "x\\y"}, "-@"), 0);
+  EXPECT_EQ(seen(), "a b\n--opt=1\nx\\y\n");
+  // Whatever the length, a tool without a command-file option gets a plain line.
+  const std::string huge(3000, 'h');
+  EXPECT_EQ(run(recorder, {huge}), 0);
+  EXPECT_EQ(seen(), huge + "\n");
+  EXPECT_EQ(run(recorder, line_of(false), "-@"), 0);
+  EXPECT_EQ(seen(), line_of(false)[0] + "\n" + line_of(false)[1] + "\n");
+}
+
+TEST_F(RunCommand, LongLineGoesThroughAQuotedCommandFile) {
+  const std::vector<std::string> args = {"/some/path\\x", "--opt=1", "12ab",
+                                         std::string(1100, 'f')};
+  const std::string out = capture_output(stdout, [&] { EXPECT_EQ(run(recorder, args, "-@"), 0); });
+  EXPECT_EQ(out, "");
+  const std::string arg = seen();
+  ASSERT_EQ(arg.rfind("-@" + tmp.path() + "/", 0), 0u) << arg;
+  EXPECT_EQ(cmdfile(), "\"/some/path\\\\x\"\n--\"opt=1\"\n\"12ab\"\n" + args[3] + "\n");
+  EXPECT_FALSE(fn_exists(arg.substr(2, arg.size() - 3).c_str()));  // deleted at echo 0
+
+  EXPECT_EQ(run(recorder, line_of(true), "-@"), 0);
+  EXPECT_EQ(cmdfile(), line_of(true)[0] + "\n" + line_of(true)[1] + "\n");
+
+  disable_command_files();
+  EXPECT_EQ(run(recorder, args, "-@"), 0);
+  EXPECT_EQ(seen(), args[0] + "\n" + args[1] + "\n" + args[2] + "\n" + args[3] + "\n");
+}
+
+TEST_F(RunCommand, EchoLevelsTellAndEchoTwoRunsNothing) {
+  const std::vector<std::string> args = {std::string(1100, 'f')};
+  std::string out = capture_output(stdout, [&] { EXPECT_EQ(run(recorder, args, "-@", 1), 0); });
+  // The name is quoted since the directory's name has a "-".
+  ASSERT_EQ(out.rfind("rm \"" + tmp.path() + "/", 0), 0u) << out;
+  std::string file = out.substr(4, out.size() - 6);
+  EXPECT_EQ(seen(), "-@" + file + "\n");
+  EXPECT_FALSE(fn_exists(file.c_str()));
+
+  std::remove(tmp.file("seen").c_str());
+  timing_info times{1, 2, 3};
+  out = capture_output(stdout, [&] { EXPECT_EQ(run(recorder, args, "-@", 2, true, &times), 0); });
+  ASSERT_EQ(out.rfind("rm \"" + tmp.path() + "/", 0), 0u) << out;
+  file = out.substr(4, out.size() - 6);
+  EXPECT_EQ(read_file(file), args[0] + "\n");  // the command file stays
+  EXPECT_FALSE(fn_exists(tmp.file("seen").c_str()));
+  EXPECT_EQ(times.real_time, 1);
+  EXPECT_EQ(times.user_time, 2);
+  EXPECT_EQ(times.system_time, 3);
+
+  EXPECT_EQ(run("/bin/sh", {"-c", "exit 4"}, nullptr, 2), 0);
+}
+
+TEST_F(RunCommand, DumpsShowCommandFileAndArguments) {
+  dump_command_files(1);
+  const std::vector<std::string> args = {std::string(1100, 'f')};
+  const std::string out = capture_output(stdout, [&] { run(recorder, args, "-@"); });
+  const std::string file = seen().substr(2, seen().size() - 3);
+  std::string title = recorder + " COMMAND FILE " + file + ":";
+  if (title.size() < 75) title.resize(75, ' ');
+  const std::string expected = "\n/" + std::string(77, '-') + "\\\n| " + title + " |\n\\" +
+                               std::string(77, '-') + "/\n" + args[0] + "\n" +
+                               std::string(79, '-') + "\n\n";
+  EXPECT_EQ(out, expected);
+
+  dump_command_files(0);
+  dump_command_args(1);
+  EXPECT_EQ(capture_output(stdout,
+                           [] {
+                             run("/bin/true", {"a b", "--x=1", "y"});
+                           }),
+            "\"/bin/true\" \"a b\" --\"x=1\" y \n");
+}
+
+TEST_F(RunCommand, SearchPathIsTriedFirst) {
+  TempDir bin;
+  make_script(bin.file("tool"), "exit 7\n");
+  write_file(bin.file("true"), "not a program\n");
+  std::string dir = bin.path();
+  add_run_search_path(dir.data());
+  EXPECT_EQ(run_search_path(), dir.data());
+  EXPECT_EQ(run("tool", {}), 7);
+
+  // A candidate that can't be executed leaves the plain name for PATH.
+  std::string out = capture_output(stdout, [] { EXPECT_EQ(run("true", {}, nullptr, 1), 0); });
+  EXPECT_EQ(out, "-- Cannot execute '" + dir + "/true'\n");
+  out = capture_output(stdout, [] { EXPECT_EQ(run("true", {}), 0); });
+  EXPECT_EQ(out, "");
+  EXPECT_EQ(run("sh", {"-c", "exit 2"}, nullptr, 1), 2);
+}
+
+TEST_F(RunCommand, ExecutionPathComesFromTheProgramsDirectory) {
+  const std::vector<std::pair<std::string, std::string>> cases = {
+      {"/usr/local/bin/tool", "/usr/local/bin"},
+      {"bin//tool", "bin"},
+      {"/tool", "/"},
+      {"c:/tool", "c:/"},
+  };
+  for (auto [program, path] : cases) {
+    set_execution_path_to_search_path(program.data());
+    EXPECT_STREQ(run_search_path(), path.c_str()) << program;
+  }
+  char plain[] = "tool";
+  set_execution_path_to_search_path(plain);
+  EXPECT_STREQ(run_search_path(), "c:/");
+}
+
+TEST_F(RunCommand, ArgvListCollectsEditsAndExecutes) {
+  argv_list list(recorder.c_str(), nullptr, 0);
+  EXPECT_EQ(list.cmd_file_option, "");
+  list.add("one");
+  list.add(std::string("two"));
+  list.addf("-O%d=%s", 3, std::string(40, 's').c_str());  // longer than its format
+  EXPECT_EQ(list.del(3), 0);
+  EXPECT_EQ(list.del(1), 1);
+  EXPECT_STREQ(list.getarg(1), ("-O3=" + std::string(40, 's')).c_str());
+  EXPECT_EQ(list.args, (std::vector<std::string>{"one", "-O3=" + std::string(40, 's')}));
+
+  EXPECT_EQ(capture_output(stdout, [&] { list.dump("%s %d", "step", 1); }),
+            "step 1: " + recorder + " one -O3=" + std::string(40, 's') + " \n");
+
+  timing_info times{10, 10, 10};
+  EXPECT_EQ(list.execute(false, &times), 0);
+  EXPECT_EQ(seen(), "one\n-O3=" + std::string(40, 's') + "\n");
+  EXPECT_GE(times.user_time, 10);
+  EXPECT_GE(times.system_time, 10);
+
+  argv_list sleeper("/bin/sh", "-@", 0);
+  sleeper.add("-c");
+  sleeper.add("sleep 0.1; exit 5");
+  EXPECT_EQ(sleeper.execute(false, &times), 5);
+  EXPECT_GT(times.real_time, 10.05);
+
+  argv_list through_file(recorder.c_str(), "-@", 0);
+  through_file.add(std::string(1100, 'f'));
+  EXPECT_EQ(through_file.execute(false, nullptr), 0);
+  EXPECT_EQ(cmdfile(), std::string(1100, 'f') + "\n");
+}
+
+}  // namespace
