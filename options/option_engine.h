@@ -12,6 +12,7 @@
 #include "options/option_table.h"
 
 class DIAGNOSTIC;
+class argv_list;
 
 // Names a generated part of a table in #include: OO_STRINGIFY(options/x.inc).
 #define OO_STRINGIFY_(text) #text
@@ -177,6 +178,34 @@ class option_engine {
   static const char* get_opt_txt(const char* long_form, const char* const* alt_forms,
                                  const char* short_form, const char* arg_text, int optional);
 
+  // --- merging the options of several files (policies per option in the table)
+  void merge_init(const option_engine& other);
+  void merge_options(const option_engine& other);
+  void do_merge_conflicts(int id, const option_engine& other);
+  void merge_policy_none(int id, const option_engine& other);
+  void merge_policy_main(int id, const option_engine& other);
+  void merge_policy_exact(int id, const option_engine& other);
+  void merge_policy_exact_notset(int id, const option_engine& other);
+  void merge_policy_or(int id, const option_engine& other);
+  void merge_policy_and(int id, const option_engine& other);
+  void merge_policy_max(int id, const option_engine& other);
+  void merge_policy_min(int id, const option_engine& other);
+  void merge_policy_custom(int id, const option_engine& other);
+  // The override of the option's group of mutually exclusive options: true
+  // when the group was resolved here and the option's policy is skipped.
+  bool mutex_merge_override(int id, const option_engine& other);
+
+  // --- tool command lines
+  // Adds the options of the history (in its order) that go to the list's
+  // tool: all options, all but those of the excluded classes, or those of
+  // the included classes less those of the excluded ones.
+  void add_opts_for_tool(argv_list& list);
+  void add_opts_for_tool(argv_list& list, std::vector<int> exclude);
+  void add_opts_for_tool(argv_list& list, std::vector<int> include, std::vector<int> exclude);
+  // The texts under which a history entry of the option goes to the tool;
+  // empty for a tool that does not take the option.
+  std::vector<std::string> passto(int id, tool_name tool, const hist_argument& arg) const;
+
   // Class-wide maps of tools to their file options.
   static const std::map<std::string, tool_name>& tool_cmd_map();
   std::map<tool_name, int> tn_fileopt_map() const;
@@ -202,6 +231,13 @@ class option_engine {
   std::string value_text(int id, unsigned index) const;
   void trace(const char* format, ...) const;
   void trace_arg(int id) const;
+
+  // merging internals
+  void apply_from(const option_engine& other, int id, int index);
+  void apply_all_from(const option_engine& other, int id);
+  void report_exact_mismatch(int id, const option_engine& other);
+  void merge_extreme(int id, const option_engine& other, bool greater);
+  an_argument_t ordered_argument(int id) const;
 
   // scanner internals
   int walk(char implied, const char* text, const char** end) const;

@@ -18,6 +18,14 @@ struct an_argument_t {
   uint32_t count;
 };
 
+// Equal: same type and value, texts compared exactly, lists element by
+// element. In the order a missing argument (type 4) is below all others;
+// numbers compare by their signedness, texts bytewise; different types
+// and lists have no order.
+bool operator==(const an_argument_t& a, const an_argument_t& b);
+bool operator>(const an_argument_t& a, const an_argument_t& b);
+bool operator<(const an_argument_t& a, const an_argument_t& b);
+
 struct arg_range {
   an_argument_t lowest;
   an_argument_t highest;
@@ -142,6 +150,41 @@ struct deprecation {
   const char* text;
 };
 
+// A policy of merge_options: combines option id of other into the receiver.
+using merge_policy_fn = void (option_engine::*)(int id, const option_engine& other);
+
+// For merge_policy_custom: two one-of values (in either order) that merge
+// into merged. A list closes with merged == 0.
+struct merge_pair {
+  long first;
+  long second;
+  long merged;
+};
+
+struct merge_policy_row {
+  merge_policy_fn policy;   // null: the option has no policy
+  const merge_pair* pairs;  // the callable's data for merge_policy_custom
+};
+
+// Options of which at most one should stand: merging resolves them as one.
+struct merge_group {
+  const char* name;
+  const int* members;  // option ids, closed by -1
+};
+
+// One text under which an option is handed on to a tool (scrambled).
+// A list closes with tool == -1.
+struct hand_on {
+  int tool;
+  const char* text;
+};
+
+// An option that is handed on, and the tools and texts it goes to.
+struct passto_entry {
+  int id;
+  const hand_on* targets;
+};
+
 // Class-wide state of one family of option objects.
 struct family_statics {
   const char** executable_name;
@@ -175,5 +218,11 @@ struct option_table {
   unsigned also_set_count;
   const deprecation* deprecations;
   unsigned deprecation_count;
+  const merge_policy_row* merge_policies;  // n rows
+  // n entries: the group whose override merges the option, or null
+  const merge_group* const* mutex_merge_override_functions;
+  const uint8_t* merge_conflicts;       // n rows of n bytes: 0, or 3 for a conflict
+  const passto_entry* passto_fn_table;  // in id order
+  unsigned passto_count;
   family_statics* family;
 };

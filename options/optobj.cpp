@@ -67,3 +67,6 @@ static_assert(option_obj::ITEM_BENCHMARK__EVENT_START == 3 &&
               option_obj::ITEM_BENCHMARK__EVENT_APPEND == 1 &&
               option_obj::ITEM_BENCHMARK__EVENT_END == 2);
 static_assert(option_obj::ITEM_DIAG_WRAP_ON == 5 && option_obj::ITEM_DIAG_WRAP_OFF == 4);
+// The tool's own options are never merged nor handed on.
+static_assert(merge_facts::policy_count == 0 && merge_facts::override_row_count == 0);
+static_assert(merge_facts::passto_count == 0);

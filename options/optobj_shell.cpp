@@ -35,3 +35,5 @@ static_assert(S::ITEM_SIZE_SPEED_GOAL_HIGH_RISK_PERFORMANCE == 89 &&
 static_assert(S::ITEM_SYMDEBUG__DWARF_VERSION_2 == 97 && S::ITEM_SYMDEBUG__DWARF_VERSION_3 == 98 &&
               S::ITEM_SYMDEBUG__DWARF_VERSION_4 == 99);
 static_assert(count_of(defaults) - 1 == 16);
+static_assert(merge_facts::policy_count == 81 && merge_facts::override_row_count == 24);
+static_assert(merge_facts::passto_count == 187);

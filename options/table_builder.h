@@ -131,6 +131,85 @@ const deprecation deprecations[] = {
 #undef DEPRECATION
     {-1, 0, nullptr}};
 
+// Merging: policies, override groups, the pairs of custom policies.
+#define MERGE_FACTS(policies, override_rows, passto)              \
+  struct merge_facts {                                            \
+    static constexpr unsigned policy_count = policies;            \
+    static constexpr unsigned override_row_count = override_rows; \
+    static constexpr unsigned passto_count = passto;              \
+  };
+#include OO_TABLE_INC(merge_facts)
+#undef MERGE_FACTS
+
+constexpr merge_policy_fn merge_fn_unset = nullptr;
+constexpr merge_policy_fn merge_fn_none = &option_engine::merge_policy_none;
+constexpr merge_policy_fn merge_fn_main = &option_engine::merge_policy_main;
+constexpr merge_policy_fn merge_fn_exact = &option_engine::merge_policy_exact;
+constexpr merge_policy_fn merge_fn_exact_notset = &option_engine::merge_policy_exact_notset;
+constexpr merge_policy_fn merge_fn_or = &option_engine::merge_policy_or;
+constexpr merge_policy_fn merge_fn_and = &option_engine::merge_policy_and;
+constexpr merge_policy_fn merge_fn_max = &option_engine::merge_policy_max;
+constexpr merge_policy_fn merge_fn_min = &option_engine::merge_policy_min;
+constexpr merge_policy_fn merge_fn_custom = &option_engine::merge_policy_custom;
+
+#define OO_MEMBER(name) OO_FAMILY::name
+#define MERGE_GROUP(group, ...)                                         \
+  constexpr int members_##group[] = {__VA_ARGS__, -1};                  \
+  constexpr merge_group group_data_##group = {#group, members_##group}; \
+  constexpr const merge_group* group_##group = &group_data_##group;
+#include OO_TABLE_INC(merge_groups)
+#undef MERGE_GROUP
+#undef OO_MEMBER
+constexpr const merge_group* group_none = nullptr;
+
+#define OO_PAIR(first, second, merged) \
+  { first, second, merged }
+#define MERGE_PAIRS(name, ...) constexpr merge_pair OO_##name##_PAIRS[] = {__VA_ARGS__, {0, 0, 0}};
+#include OO_TABLE_INC(merge_pairs)
+#undef MERGE_PAIRS
+#undef OO_PAIR
+
+constexpr merge_policy_row merge_policies[] = {
+#define MERGE_ROW(name, policy, pairs, group) {merge_fn_##policy, pairs},
+#include OO_TABLE_INC(merge_rows)
+#undef MERGE_ROW
+};
+
+constexpr const merge_group* mutex_merge_override_functions[] = {
+#define MERGE_ROW(name, policy, pairs, group) group_##group,
+#include OO_TABLE_INC(merge_rows)
+#undef MERGE_ROW
+};
+
+const uint8_t merge_conflicts[] = {
+#define MERGE_CONFLICT_ROW(...) __VA_ARGS__,
+#include OO_TABLE_INC(merge_conflicts)
+#undef MERGE_CONFLICT_ROW
+};
+
+// Hand-on targets per option, then the list of options that have them.
+#define OO_HAND(tool, text) \
+  { option_engine::tn_##tool, text }
+#define PASSTO_ROW(name, ...) \
+  constexpr hand_on passto_##name[] = {__VA_ARGS__ __VA_OPT__(, ){-1, nullptr}};
+#include OO_TABLE_INC(passto)
+#undef PASSTO_ROW
+#undef OO_HAND
+
+const passto_entry passto_fn_table[] = {
+#define PASSTO_ROW(name, ...) {OO_FAMILY::name, passto_##name},
+#include OO_TABLE_INC(passto)
+#undef PASSTO_ROW
+    {-1, nullptr}};
+
+template <class T, size_t N>
+constexpr unsigned count_set(const T (&entries)[N], bool (*is_set)(const T&)) {
+  unsigned count = 0;
+  for (const T& entry : entries)
+    count += is_set(entry);
+  return count;
+}
+
 template <class T, size_t N>
 constexpr unsigned count_of(const T (&)[N]) {
   return static_cast<unsigned>(N);
@@ -146,6 +225,18 @@ static_assert(count_of(parm_types) == table_facts::option_count);
 static_assert(count_of(classes) == table_facts::option_count * table_facts::class_columns);
 static_assert(count_of(conflicts) == table_facts::option_count * table_facts::option_count);
 static_assert(table_facts::last_file_option == table_facts::first_file_option + 29);
+static_assert(count_of(merge_policies) == table_facts::option_count);
+static_assert(count_of(mutex_merge_override_functions) == table_facts::option_count);
+static_assert(count_of(merge_conflicts) == table_facts::option_count * table_facts::option_count);
+static_assert(count_set(
+                  merge_policies, +[](const merge_policy_row& row) {
+                    return row.policy != nullptr;
+                  }) == merge_facts::policy_count);
+static_assert(count_set(
+                  mutex_merge_override_functions, +[](const merge_group* const& group) {
+                    return group != nullptr;
+                  }) == merge_facts::override_row_count);
+static_assert(count_of(passto_fn_table) - 1 == merge_facts::passto_count);
 
 }  // namespace
 
@@ -176,5 +267,10 @@ const option_table OO_FAMILY::table_data = {
     count_of(also_sets) - 1,
     deprecations,
     count_of(deprecations) - 1,
+    merge_policies,
+    mutex_merge_override_functions,
+    merge_conflicts,
+    passto_fn_table,
+    merge_facts::passto_count,
     &statics,
 };

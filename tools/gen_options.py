@@ -34,8 +34,21 @@ KIND_PARSE = {1: {3}, 2: NUMERIC_PARSE, 3: NUMERIC_PARSE, 4: {6},
               5: {4}, 6: NUMERIC_PARSE, 7: {7}}
 SEVERITIES = {"remark": 4, "warning": 5, "error": 6}
 RULE_KINDS = {"warning": 5, "error": 6}
+MERGE_POLICIES = ("none", "main", "exact", "exact_notset", "or", "and", "max", "min",
+                  "custom")
+# policies that compare the two sides' arguments, which lists cannot do
+COMPARING_POLICIES = {"exact", "exact_notset", "max", "min", "custom"}
 EXPECTABLE = ("options", "items", "internal", "hidden", "persistent", "defaults",
-              "arg_optional", "sort_order_500", "class_cells", "conflict_cells", "rules")
+              "arg_optional", "sort_order_500", "class_cells", "conflict_cells", "rules",
+              "policies", "override_rows", "override_groups", "merge_conflict_cells",
+              "passto") + tuple("policy_" + p for p in MERGE_POLICIES)
+# The tools that options are handed on to (the engine's tool_name, tn_<tool>).
+TOOLS = ("abszorv", "aczorv", "aczcop", "aciazorv", "aciazcop", "advzorv", "arzorv",
+         "asmzorv", "cbezorv", "cbeiazorv", "cgzorv", "cgzcop", "demzorv", "diszorv",
+         "lnkzorv", "embedzorv", "embedded_options", "hexzorv", "ilkzorv", "clistzorv",
+         "mkzorv", "nmzorv", "ocszorv", "ofdzorv", "optzorv", "optzcop", "pddzorv",
+         "pprofzorv", "clzorv", "stripzorv", "xrefzorv")
+GROUP_RE = re.compile(r"^[A-Za-z][A-Za-z0-9_]*$")
 CONTINUATIONS = {"end": 0, "cluster": 1, "family": 2}
 # Named handlers the engine provides; "rest" ones take the rest of the token.
 ACTIONS = {
@@ -115,6 +128,11 @@ class Record:
         self.sort_order = 500
         self.basic_order = 0
         self.handler = None
+        self.merge = None          # merge policy word
+        self.merge_pairs = []      # (word, word, merged word, line) for custom
+        self.merge_group = None    # name of a group of mutually exclusive options
+        self.merge_conflicts = []  # (option name, line)
+        self.passto = None         # [(tool, text or None)]: handed on to these tools
 
 
 class Table:
@@ -234,7 +252,8 @@ def parse_table_line(table, key, args, lineno, fail):
 
 def parse_record_line(rec, key, args, lineno, fail):
     if key in rec.fields and key not in ("spelling", "also_sets", "conflicts",
-                                         "conflict_group", "rule"):
+                                         "conflict_group", "rule", "merge_pair",
+                                         "merge_conflicts"):
         fail("'%s' given twice" % key)
         return
     rec.fields[key] = lineno
@@ -341,6 +360,25 @@ def parse_record_line(rec, key, args, lineno, fail):
         rec.sort_order = parse_int(args[0], fail, "sort_order")
     elif key == "basic_order" and len(args) == 1:
         rec.basic_order = parse_int(args[0], fail, "basic_order")
+    elif key == "merge" and len(args) == 1 and args[0] in MERGE_POLICIES:
+        rec.merge = args[0]
+    elif key == "merge_pair" and len(args) == 3:
+        rec.merge_pairs.append((args[0], args[1], args[2], lineno))
+    elif key == "merge_group" and len(args) == 1 and GROUP_RE.match(args[0]) \
+            and args[0] != "none":
+        rec.merge_group = args[0]
+    elif key == "merge_conflicts" and args:
+        rec.merge_conflicts.extend((other, lineno) for other in args)
+    elif key == "passto":
+        rec.passto = []
+        for entry in args:
+            tool, sep, text = entry.partition("=")
+            if tool not in TOOLS:
+                fail("passto names unknown tool '%s'" % tool)
+            elif sep and not text:
+                fail("passto %s= needs a text" % tool)
+            else:
+                rec.passto.append((tool, text if sep else None))
     else:
         fail("bad option line '%s'" % " ".join([key] + args))
 
@@ -413,6 +451,7 @@ def check_and_derive(path, table):
 
     number_items(table)
     table.conflict_matrix = build_conflicts(table, names, fail)
+    check_merging(table, names, fail)
     if not errors:
         check_expected_counts(table, fail)
     return errors
@@ -432,7 +471,14 @@ def check_expected_counts(table, fail):
         "class_cells": sum(len(set(r.classes)) for r in recs),
         "conflict_cells": sum(1 for row in table.conflict_matrix for v in row if v),
         "rules": sum(len(r.rules) for r in recs),
+        "policies": sum(r.merge is not None for r in recs),
+        "override_rows": sum(r.merge_group is not None for r in recs),
+        "override_groups": len(table.merge_groups),
+        "merge_conflict_cells": sum(1 for row in table.merge_conflict_matrix for v in row if v),
+        "passto": sum(r.passto is not None for r in recs),
     }
+    for policy in MERGE_POLICIES:
+        actual["policy_" + policy] = sum(r.merge == policy for r in recs)
     for what, count, line in table.expects:
         if actual[what] != count:
             fail(line, "the table should have %d %s but has %d" % (count, what, actual[what]))
@@ -642,6 +688,53 @@ def build_conflicts(table, names, fail):
     return matrix
 
 
+def check_merging(table, names, fail):
+    """Checks the merge policies, override groups, merge conflicts and hand-on
+    entries, derives the groups (in the order of their first member) and the
+    merge conflict matrix."""
+    table.merge_groups = {}
+    size = len(table.records)
+    table.merge_conflict_matrix = [[0] * size for _ in range(size)]
+    for rec in table.records:
+        line = rec.fields.get("merge", rec.line)
+        scanned = rec.spellings and not rec.spellings[0].unscanned
+        # merging hands an option over as its exported (long) form, a token
+        if (rec.merge not in (None, "none") or rec.merge_group) and not scanned:
+            fail(line, "%s cannot be merged: its long form is not scanned" % rec.name)
+        if rec.merge in COMPARING_POLICIES and rec.kind in (5, 6, 7):
+            fail(line, "merge %s compares arguments, which list option %s cannot"
+                 % (rec.merge, rec.name))
+        if rec.merge in ("max", "min") and rec.kind == 0:
+            fail(line, "merge %s needs an option with argument" % rec.merge)
+        if rec.merge == "custom":
+            if rec.kind != 4:
+                fail(line, "merge custom needs a one-of option")
+            if not rec.merge_pairs:
+                fail(line, "merge custom needs merge_pair lines")
+        elif rec.merge_pairs:
+            fail(rec.merge_pairs[0][3], "merge_pair needs 'merge custom'")
+        items = {item[1:] for item in rec.items}
+        for pair in rec.merge_pairs:
+            for word in pair[:3]:
+                if rec.kind == 4 and word not in items:
+                    fail(pair[3], "'%s' is no item of %s" % (word, rec.name))
+        if rec.merge_group:
+            table.merge_groups.setdefault(rec.merge_group, []).append(rec)
+        for other_name, line in rec.merge_conflicts:
+            other = names.get(other_name)
+            if other is None:
+                fail(line, "merge_conflicts names unknown option %s" % other_name)
+            elif other is rec:
+                fail(line, "%s cannot conflict with itself" % rec.name)
+            else:
+                table.merge_conflict_matrix[rec.id][other.id] = 3
+        if rec.passto and len(set(rec.passto)) != len(rec.passto):
+            fail(rec.fields["passto"], "passto gives a tool the same text twice")
+    for group, members in table.merge_groups.items():
+        if len(members) < 2:
+            fail(members[0].fields["merge_group"], "merge group %s has a single member" % group)
+
+
 # ---------------------------------------------------------------- emitters
 
 def emit(outdir, prefix, name, lines, source):
@@ -743,9 +836,36 @@ def generate(table, outdir, prefix, source):
              "".join(", " + c_string(w) for w in rule["words"]))
           for index, (r, rule) in enumerate((r, rule) for r in recs for rule in r.rules)],
          source)
+    emit_merging(table, outdir, prefix, source)
     emit(outdir, prefix, "deprecations",
          ["DEPRECATION(%s, %d, %s)" % (r.name, r.deprecated[0], c_string(r.deprecated[1]))
           for r in recs if r.deprecated], source)
+
+
+def emit_merging(table, outdir, prefix, source):
+    recs = table.records
+    emit(outdir, prefix, "merge_facts", ["MERGE_FACTS(%d, %d, %d)" % (
+        sum(r.merge is not None for r in recs), sum(r.merge_group is not None for r in recs),
+        sum(r.passto is not None for r in recs))], source)
+    emit(outdir, prefix, "merge_groups",
+         ["MERGE_GROUP(%s, %s)" % (group, ", ".join("OO_MEMBER(%s)" % m.name for m in members))
+          for group, members in table.merge_groups.items()], source)
+    emit(outdir, prefix, "merge_pairs",
+         ["MERGE_PAIRS(%s%s)" % (r.name, "".join(
+             ", OO_PAIR(%d, %d, %d)" % tuple(r.item_values[w] for w in pair[:3])
+             for pair in r.merge_pairs)) for r in recs if r.merge_pairs], source)
+    emit(outdir, prefix, "merge_rows",
+         ["MERGE_ROW(%s, %s, %s, %s)" % (
+             r.name, r.merge or "unset",
+             "OO_%s_PAIRS" % r.name if r.merge_pairs else "nullptr",
+             r.merge_group or "none") for r in recs], source)
+    emit(outdir, prefix, "merge_conflicts",
+         ["MERGE_CONFLICT_ROW(%s)" % ", ".join(str(v) for v in row)
+          for row in table.merge_conflict_matrix], source)
+    emit(outdir, prefix, "passto",
+         ["PASSTO_ROW(%s%s)" % (r.name, "".join(
+             ", OO_HAND(%s, %s)" % (tool, c_string(rot13(text or r.spellings[0].text)))
+             for tool, text in r.passto)) for r in recs if r.passto is not None], source)
 
 
 def bool_c(flag):

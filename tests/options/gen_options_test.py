@@ -102,6 +102,45 @@ class BadSources(unittest.TestCase):
         self.assertIn("bad.opt:8: the table should have 1 hidden but has 2", err)
         self.assertNotIn("options", err)
 
+    def test_merge_rows_that_cannot_work(self):
+        code, err, _ = run(HEADER +
+                           "option A\n  spelling --a unscanned\n  help_class MAIN\n"
+                           "  help \"a\"\n  merge or\n"
+                           "option B\n  spelling --b\n  kind string_list\n  parse text_list\n"
+                           "  arg x\n  help_class MAIN\n  help \"b\"\n  merge exact\n"
+                           "  merge_group solo\n"
+                           "option C\n  spelling --c\n  kind oneof\n  parse oneof\n  arg x\n"
+                           "  items +on +off\n  help_class MAIN\n  help \"c\"\n  merge custom\n"
+                           "  merge_pair on maybe on\n"
+                           "option D\n  spelling --d\n  help_class MAIN\n  help \"d\"\n"
+                           "  merge_pair on off on\n")
+        self.assertEqual(code, 1)
+        self.assertIn("bad.opt:12: A cannot be merged: its long form is not scanned", err)
+        self.assertIn("bad.opt:20: merge exact compares arguments, which list option B cannot",
+                      err)
+        self.assertIn("bad.opt:21: merge group solo has a single member", err)
+        self.assertIn("bad.opt:31: 'maybe' is no item of C", err)
+        self.assertIn("bad.opt:36: merge_pair needs 'merge custom'", err)
+        code, err, _ = run(HEADER + "option A\n  spelling --a\n  help_class MAIN\n"
+                           "  help \"a\"\n  merge sometimes\n")
+        self.assertEqual(code, 1)
+        self.assertIn("bad.opt:12: bad option line 'merge sometimes'", err)
+
+    def test_passto_targets_and_their_count(self):
+        counted = HEADER.replace("fold_case no", "fold_case no\n  expect passto 2")
+        code, err, _ = run(counted + "option A\n  spelling --a\n  help_class MAIN\n"
+                           "  help \"a\"\n  passto lnkzorv nosuchtool=-x\n")
+        self.assertEqual(code, 1)
+        self.assertIn("bad.opt:13: passto names unknown tool 'nosuchtool'", err)
+        code, err, _ = run(counted + "option A\n  spelling --a\n  help_class MAIN\n"
+                           "  help \"a\"\n  passto lnkzorv=-x asmzorv lnkzorv=-x\n")
+        self.assertEqual(code, 1)
+        self.assertIn("bad.opt:13: passto gives a tool the same text twice", err)
+        code, err, _ = run(counted + "option A\n  spelling --a\n  help_class MAIN\n"
+                           "  help \"a\"\n  passto\n")
+        self.assertEqual(code, 1)
+        self.assertIn("bad.opt:6: the table should have 2 passto but has 1", err)
+
 
 if __name__ == "__main__":
     unittest.main()
