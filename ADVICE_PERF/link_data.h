@@ -1,0 +1,49 @@
+#pragma once
+// The linker's XML link information: when the link happened, how many errors
+// it had, and how many bytes of initialized, non-debug program it produced.
+
+#include "ADVICE_PERF/ptree_info.h"
+
+#include <cstdint>
+#include <map>
+#include <set>
+#include <string>
+
+// One logical group of the link (an output section).
+struct SECT_INFO {
+  int32_t size = 0;
+  std::string name;
+  std::set<std::string> components;  // ids of the object components it holds
+};
+
+class LINK_DATA : public PTREE_INFO {
+ public:
+  // Reads the file in full; a missing or unparsable file gives link time 0,
+  // error count -1 and code size 0.
+  explicit LINK_DATA(const char* file_name);
+  ~LINK_DATA() override;
+
+  // Seconds since the Unix epoch of the link.
+  uint64_t get_link_time() const { return timestamp; }
+  // Bytes of the initialized non-debug groups; 0 when nothing was counted.
+  uint32_t get_code_size() const { return code_size; }
+  // The linker's error count; -1 when the file doesn't give it.
+  int32_t get_link_errors() const { return link_errors; }
+
+ protected:
+  void read_body() override;
+  void write_body() override;
+  int32_t read_version() override;
+  std::string read_timestamp() override;
+
+ private:
+  void init();
+  void read_object_components(const ptree& list);
+  void read_logical_groups(const ptree& list);
+  void set_code_size();
+
+  uint32_t code_size = 0;
+  int32_t link_errors = -1;
+  std::map<std::string, bool> object_components;  // id -> uninitialized
+  std::map<std::string, SECT_INFO> sections;      // id of the logical group
+};

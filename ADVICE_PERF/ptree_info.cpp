@@ -1,0 +1,72 @@
+#include "ADVICE_PERF/ptree_info.h"
+
+#include <boost/property_tree/xml_parser.hpp>
+
+#include <ctime>
+#include <fstream>
+#include <locale>
+#include <optional>
+
+namespace xml_parser = boost::property_tree::xml_parser;
+
+uint64_t new_timestamp() {
+  static const uint64_t now = static_cast<uint64_t>(std::time(nullptr));
+  return now;
+}
+
+ptree XML_PTREE::read() const {
+  ptree tree;
+  if (!std::ifstream(file_name)) return tree;
+  try {
+    xml_parser::read_xml(file_name, tree, xml_parser::trim_whitespace, std::locale());
+  } catch (...) {
+    // An unreadable document counts as an empty one.
+    tree.clear();
+  }
+  return tree;
+}
+
+void XML_PTREE::write(const ptree& tree) const {
+  const xml_parser::xml_writer_settings<std::string> settings('\t', 1, "utf-8");
+  xml_parser::write_xml(file_name, tree, std::locale(), settings);
+}
+
+PTREE_INFO::PTREE_INFO(const char* file_name)
+    : file_name(file_name), xml(new XML_PTREE(file_name)) {}
+
+PTREE_INFO::~PTREE_INFO() {
+  delete xml;
+}
+
+void PTREE_INFO::input() {
+  pt = xml->read();
+  if (pt.empty()) return;
+  file_version = read_version();
+  timestamp = convert<uint64_t>(read_timestamp());
+  read_body();
+  pt.clear();
+}
+
+void PTREE_INFO::output() {
+  pt.clear();
+  write_version();
+  write_timestamp();
+  write_body();
+  xml->write(ptree(pt));
+}
+
+int32_t PTREE_INFO::read_version() {
+  return pt.get_optional<int32_t>("body.version").value_or(-1);
+}
+
+void PTREE_INFO::write_version() {
+  pt.put("body.version", version);
+}
+
+std::string PTREE_INFO::read_timestamp() {
+  return pt.get<std::string>("body.timestamp");
+}
+
+void PTREE_INFO::write_timestamp() {
+  pt.put("body.timestamp", convert<std::string>(new_timestamp()));
+}

@@ -1,0 +1,202 @@
+// The rules that fill the advice document, run over documents in a temporary
+// directory with the build's options scanned from tokens.
+#include "ADVICE_PERF/build_settings.h"
+#include "tests/advice_perf/perf_fixture.h"
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace {
+
+// What one run left in the advice object.
+struct advice_state {
+  ADVICE::entry_map entries;
+  ADVICE::settings_map settings;
+  bool link_advice_flag;
+
+  std::vector<std::string> keys() const {
+    std::vector<std::string> result;
+    for (const auto& [key, info] : entries)
+      result.push_back(key);
+    return result;
+  }
+};
+
+class advice_rules : public perf_fixture {
+ protected:
+  // One run of the advice document alone: read, update, write.
+  advice_state advice_run(tokens shell, tokens tool = {}) {
+    scan_options(tool, shell);
+    LINK_DATA link(link_path.c_str());
+    ADVICE advice(advice_path.c_str(), link);
+    advice.update();
+    advice.output();
+    return {advice.get_entries(), advice.get_settings(), advice.get_link_advice_flag()};
+  }
+
+  // An advice document last written at the given time, with the given entries.
+  void write_advice(uint64_t timestamp, const std::string& inside = "") {
+    write_file(advice_path, "<body><version>1</version><timestamp>" +
+                                convert<std::string>(timestamp) + "</timestamp>" + inside +
+                                "</body>");
+  }
+};
+
+const char* const debug_note = " NOTE: debug ability will decrease.";
+
+TEST_F(advice_rules, the_settings_entry_states_level_goal_and_debug) {
+  advice_state state = advice_run({"-O2"});
+  const ADVICE_INFO& entry = state.entries.at("00000");
+  EXPECT_EQ(entry.msg,
+            "advice: Current optimization/debug settings:  --opt_level=2  --opt_for_speed=2    -g");
+  EXPECT_EQ(entry.advice_type, "curr_setting");
+  EXPECT_EQ(entry.option + entry.value + entry.action, "");
+  EXPECT_EQ(state.settings, (ADVICE::settings_map{{"--opt_for_speed", "  --opt_for_speed=2"},
+                                                  {"--opt_level", "  --opt_level=2"},
+                                                  {"--symdebug:dwarf", ""}}));
+  EXPECT_EQ(read_tree(advice_path).get_child("body.current_settings").size(), 3u);
+
+  state = advice_run({"--symdebug:none", "--opt_for_speed=5"});
+  EXPECT_EQ(state.entries.at("00000").msg,
+            "advice: Current optimization/debug settings:  --opt_level=off  --opt_for_speed=5");
+  EXPECT_EQ(state.settings.count("--symdebug:dwarf"), 0u);
+}
+
+TEST_F(advice_rules, the_level_advice_follows_level_and_debug_information) {
+  auto expect_advice = [&](tokens shell, const std::string& code, const std::string& text,
+                           const char* value) {
+    std::filesystem::remove(advice_path);
+    const advice_state state = advice_run(shell);
+    auto entry = state.entries.find(code);
+    ASSERT_NE(entry, state.entries.end()) << code;
+    EXPECT_EQ(entry->second,
+              (ADVICE_INFO{"opt_setting", "--opt_level", value, "advice #" + code + "-D: " + text,
+                           "gotoBuildOption:--opt_level"}));
+  };
+  const std::string none =
+      "Detecting compilation without optimization. Recommend setting --opt_level=3.";
+  const std::string low =
+      "Detecting compilation with low optimization. Recommend setting --opt_level=3.";
+  const std::string three =
+      "Detecting compilation at optimization level 3. Recommend setting --opt_level=4. NOTE: "
+      "Compilation time will increase";
+  expect_advice({}, "27007", none + debug_note, "3");
+  expect_advice({"-Ooff", "--symdebug:none"}, "27007", none, "3");
+  expect_advice({"-O0"}, "27008", low + debug_note, "3");
+  expect_advice({"-O2", "--symdebug:none"}, "27008", low, "3");
+  expect_advice({"-O3"}, "27009", three + " and debug ability will decrease.", "4");
+  expect_advice({"-O3", "--symdebug:none"}, "27009", three + ".", "4");
+}
+
+TEST_F(advice_rules, the_level_advice_is_replaced_in_every_plain_run) {
+  EXPECT_EQ(advice_run({}).keys(), (std::vector<std::string>{"00000", "27007"}));
+  EXPECT_EQ(advice_run({"-O1"}).keys(), (std::vector<std::string>{"00000", "27008"}));
+  EXPECT_EQ(advice_run({"-O4"}).keys(), (std::vector<std::string>{"00000"}));
+}
+
+TEST_F(advice_rules, a_benchmark_event_only_refreshes_the_settings) {
+  write_link(new_timestamp(), 0, 0x100);
+  const advice_state plain = advice_run({});
+  EXPECT_EQ(plain.keys(), (std::vector<std::string>{"00000", "27007", "27010"}));
+
+  // An event that the results document would refuse still counts as set.
+  const advice_state event = advice_run({"-O3"}, {"--benchmark:event=append"});
+  EXPECT_EQ(event.keys(), plain.keys());
+  EXPECT_EQ(event.entries.at("27007"), plain.entries.at("27007"));
+  EXPECT_NE(event.entries.at("00000").msg.find("--opt_level=3"), std::string::npos);
+
+  std::filesystem::remove(advice_path);
+  const advice_state fresh = advice_run({}, {"--benchmark:event=start"});
+  EXPECT_EQ(fresh.keys(), (std::vector<std::string>{"00000"}));
+  EXPECT_FALSE(fresh.link_advice_flag);
+}
+
+TEST_F(advice_rules, the_series_is_proposed_after_a_clean_new_link) {
+  const uint64_t written = 0x5000;
+  write_advice(written);
+  write_link(written, 0, 0x100);
+  const advice_state state = advice_run({"-O4"});
+  EXPECT_TRUE(state.link_advice_flag);
+  EXPECT_EQ(state.entries.at("27010"),
+            (ADVICE_INFO{"build_run", "", "",
+                         "advice #27010-D: Not all available code size is being used. Recommend "
+                         "running Tunewise to find best speed vs size setting (--opt_for_speed). "
+                         "Double-click to start.",
+                         "runTunewise"}));
+  EXPECT_EQ(read_tree(advice_path).get<std::string>("body.link_advice_flag"), "true");
+}
+
+TEST_F(advice_rules, no_proposal_for_an_old_link_a_failed_link_or_the_fastest_goal) {
+  const uint64_t written = 0x5000;
+  auto proposes = [&](uint64_t link_time, int errors, tokens shell) {
+    write_advice(written);
+    write_link(link_time, errors, 0x100);
+    const advice_state state = advice_run(shell);
+    EXPECT_EQ(state.link_advice_flag, state.entries.count("27010") == 1);
+    return state.link_advice_flag;
+  };
+  EXPECT_FALSE(proposes(written - 1, 0, {}));
+  EXPECT_FALSE(proposes(written, 1, {}));
+  EXPECT_FALSE(proposes(written, -1, {}));
+  EXPECT_FALSE(proposes(written + 1, 0, {"--opt_for_speed=5"}));
+  EXPECT_TRUE(proposes(written + 1, 0, {"--opt_for_speed=4"}));
+
+  std::filesystem::remove(link_path);
+  std::filesystem::remove(advice_path);
+  EXPECT_FALSE(advice_run({}).link_advice_flag);
+}
+
+TEST_F(advice_rules, the_series_result_names_its_value_twice) {
+  scan_options({}, {});
+  LINK_DATA link(link_path.c_str());
+  ADVICE advice(advice_path.c_str(), link);
+  advice.update();
+  advice.advice_build_results("--opt_for_speed", "3");
+  EXPECT_EQ(advice.get_entries().at("27011"),
+            (ADVICE_INFO{"build_results", "--opt_for_speed", "3",
+                         "advice #27011-D: Tunewise completed and best results were obtained with "
+                         "speed vs size setting 3 (--opt_for_speed=3).",
+                         "gotoBuildOption:--opt_for_speed"}));
+  advice.advice_build_results("--opt_for_speed", "");
+  EXPECT_EQ(advice.get_entries().at("27011").msg,
+            "advice #27011-D: Tunewise completed and best results were obtained with speed vs "
+            "size setting  (--opt_for_speed=).");
+}
+
+TEST_F(advice_rules, the_series_result_goes_once_the_build_uses_its_value) {
+  const std::string result =
+      "<advice diag_code=\"27011\" advice_type=\"build_results\" option=\"--opt_for_speed\" "
+      "value=\"4\">r</advice>";
+  write_advice(1, result);
+  EXPECT_EQ(advice_run({"-O4", "--opt_for_speed=3"}).entries.count("27011"), 1u);
+  EXPECT_EQ(advice_run({"-O4", "--opt_for_speed=4"}).entries.count("27011"), 0u);
+  // An empty value matches no goal.
+  write_advice(1,
+               "<advice diag_code=\"27011\" advice_type=\"build_results\" option=\"o\" "
+               "value=\"\">r</advice>");
+  EXPECT_EQ(advice_run({"-O4"}).entries.count("27011"), 1u);
+}
+
+TEST_F(advice_rules, an_entry_lives_from_run_to_run_through_a_series) {
+  const std::vector<std::string> proposed{"00000", "27007", "27010"};
+  write_link(new_timestamp(), 0, 30000);
+  run({});
+  ASSERT_EQ(advice_run({}).keys(), proposed);
+
+  run({"--benchmark:event=start", "--benchmark:option=--opt_for_speed"});
+  EXPECT_EQ(advice_run({}).keys(), proposed);
+  run({"--benchmark:event=end", "--benchmark:option=--opt_for_speed", "--benchmark:option_value=4"},
+      {"--opt_for_speed=2"});
+  const std::vector<bar_row> rows = advice_in_file();
+  EXPECT_EQ(rows, (std::vector<bar_row>{{"00000", "curr_setting", ""},
+                                        {"27007", "opt_setting", "3"},
+                                        {"27011", "build_results", "4"}}));
+
+  // The user follows the result: it goes, and the proposal doesn't come back.
+  const advice_state followed = advice_run({"--opt_for_speed=4"});
+  EXPECT_EQ(followed.keys(), (std::vector<std::string>{"00000", "27007"}));
+  EXPECT_TRUE(followed.link_advice_flag);
+}
+
+}  // namespace

@@ -1,0 +1,120 @@
+// The frame shared by the documents: lenient reading, the version and time
+// stamp, the numeric format, and rewriting from memory alone.
+#include "ADVICE_PERF/advice.h"
+#include "ADVICE_PERF/link_data.h"
+#include "tests/util/temp_dir.h"
+
+#include <gtest/gtest.h>
+
+#include <boost/property_tree/exceptions.hpp>
+#include <boost/property_tree/xml_parser.hpp>
+
+#include <chrono>
+#include <string>
+#include <thread>
+
+namespace {
+
+TEST(convert, hexadecimal_with_or_without_prefix) {
+  EXPECT_EQ(convert<int32_t>(std::string("0x10")), 16);
+  EXPECT_EQ(convert<int32_t>(std::string("10")), 16);
+  EXPECT_EQ(convert<int32_t>(std::string("-1")), -1);
+  EXPECT_EQ(convert<int32_t>(std::string("12g3")), 0x12);
+  EXPECT_EQ(convert<uint64_t>(std::string("zz")), 0u);
+  EXPECT_EQ(convert<std::string>(uint64_t{0}), "0");
+  EXPECT_EQ(convert<std::string>(uint64_t{0xABCDEF}), "0xabcdef");
+}
+
+class document_frame : public ::testing::Test {
+ protected:
+  TempDir dir;
+  const std::string path = dir.file("advice.xml");
+  const std::string no_link = dir.file("no_link.xml");
+  LINK_DATA link{no_link.c_str()};
+
+  void write_advice(const std::string& version, const std::string& timestamp,
+                    const std::string& rest = "") {
+    write_file(path, "<body><version>" + version + "</version><timestamp>" + timestamp +
+                         "</timestamp>" + rest + "</body>");
+  }
+
+  ptree written() const {
+    ptree tree;
+    boost::property_tree::read_xml(path, tree);
+    return tree;
+  }
+};
+
+TEST_F(document_frame, unreadable_files_are_empty_documents_and_get_replaced) {
+  for (const char* content : {"", "<body><version>1</version>", "<body><timestamp>1</timestamp"}) {
+    write_file(path, content);
+    ADVICE advice(path.c_str(), link);
+    EXPECT_EQ(advice.get_file_version(), -1) << content;
+    EXPECT_EQ(advice.get_timestamp(), 0u) << content;
+    advice.output();
+    EXPECT_EQ(written().get<int>("body.version"), 1) << content;
+  }
+  EXPECT_EQ(ADVICE(dir.path().c_str(), link).get_file_version(), -1);
+}
+
+TEST_F(document_frame, a_well_formed_file_with_another_root_is_fatal_and_left_alone) {
+  const std::string content = "<advice_doc><version>1</version></advice_doc>";
+  write_file(path, content);
+  try {
+    ADVICE advice(path.c_str(), link);
+    FAIL() << "no exception";
+  } catch (const boost::property_tree::ptree_bad_path& e) {
+    EXPECT_EQ(std::string(e.what()), "No such node (body.timestamp)");
+  }
+  EXPECT_EQ(read_file(path), content);
+}
+
+TEST_F(document_frame, any_version_is_read_and_version_1_is_written) {
+  write_advice("7", "0x10");
+  ADVICE seven(path.c_str(), link);
+  EXPECT_EQ(seven.get_file_version(), 7);
+  EXPECT_EQ(seven.get_timestamp(), 16u);
+  seven.output();
+  EXPECT_EQ(written().get<std::string>("body.version"), "1");
+
+  write_advice("1.5", "10");
+  ADVICE odd(path.c_str(), link);
+  EXPECT_EQ(odd.get_file_version(), -1);
+  EXPECT_EQ(odd.get_timestamp(), 16u);
+  write_advice("1", "yesterday");
+  EXPECT_EQ(ADVICE(path.c_str(), link).get_timestamp(), 0u);
+}
+
+TEST_F(document_frame, documents_written_in_one_run_bear_one_time_stamp) {
+  const std::string second = dir.file("second.xml");
+  ADVICE(path.c_str(), link).output();
+  std::this_thread::sleep_for(std::chrono::milliseconds(1100));
+  ADVICE(second.c_str(), link).output();
+
+  const std::string stamp = written().get<std::string>("body.timestamp");
+  EXPECT_EQ(stamp, convert<std::string>(new_timestamp()));
+  EXPECT_EQ(ADVICE(second.c_str(), link).get_timestamp(), convert<uint64_t>(stamp));
+  EXPECT_LE(new_timestamp(), static_cast<uint64_t>(std::time(nullptr)));
+}
+
+TEST_F(document_frame, output_starts_with_version_and_time_stamp_and_drops_unknown_content) {
+  write_advice("1", "0x5",
+               "<unknown>x</unknown><advice diag_code=\"27010\" advice_type=\"build_run\" "
+               "option=\"\" value=\"\" extra=\"x\">text</advice>");
+  ADVICE(path.c_str(), link).output();
+  const ptree tree = written();
+  const ptree& body = tree.get_child("body");
+  auto child = body.begin();
+  EXPECT_EQ((child++)->first, "version");
+  EXPECT_EQ((child++)->first, "timestamp");
+  EXPECT_FALSE(body.get_child_optional("unknown"));
+  EXPECT_FALSE(body.get_child_optional("advice.<xmlattr>.extra"));
+  EXPECT_EQ(body.get<std::string>("advice"), "text");
+}
+
+TEST_F(document_frame, an_output_file_that_cannot_be_written_throws) {
+  const std::string nowhere = dir.file("no_such_dir/advice.xml");
+  EXPECT_THROW(ADVICE(nowhere.c_str(), link).output(), boost::property_tree::xml_parser_error);
+}
+
+}  // namespace

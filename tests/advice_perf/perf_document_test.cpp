@@ -1,0 +1,112 @@
+// The performance-results document as runs without a benchmark event read
+// and rewrite it: the exact file format, what survives a run, and how far a
+// damaged chart is read.
+#include "tests/advice_perf/perf_fixture.h"
+
+namespace {
+
+const char* const chart_labels =
+    "option=\"--opt_level\" title=\"Vary Optimization Level\" valueLabel=\"old label\"";
+
+class perf_document : public perf_fixture {
+ protected:
+  // A run without any benchmark option.
+  void plain_run() { run({}); }
+};
+
+TEST_F(perf_document, a_first_run_writes_the_menu_and_an_empty_default_chart) {
+  plain_run();
+  const std::string expected =
+      "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n"
+      "<body>\n"
+      "\t<version>1</version>\n"
+      "\t<timestamp>" +
+      convert<std::string>(new_timestamp()) +
+      "</timestamp>\n"
+      "\t<menu>\n"
+      "\t\t<menu_item option=\"--opt_for_speed\" description=\"Control Speed vs Size\"/>\n"
+      "\t\t<menu_item option=\"--opt_level\" description=\"Optimization Level\"/>\n"
+      "\t</menu>\n"
+      "\t<chart option=\"--opt_for_speed\" title=\"Vary Size vs Speed Setting\" "
+      "valueLabel=\"Code Size (bytes)\"/>\n"
+      "</body>\n";
+  EXPECT_EQ(read_file(results_path), expected);
+}
+
+TEST_F(perf_document, a_plain_run_keeps_labels_and_bars_and_resets_only_the_value_label) {
+  write_results(0x100, std::string("<chart ") + chart_labels +
+                           "><bar option_value=\"3\" value=\"700\" color=\"red\"/>"
+                           "<bar color=\"green\" value=\"900\" option_value=\"1\"/></chart>");
+  plain_run();
+  const ptree tree = read_tree(results_path);
+  EXPECT_EQ(tree.get<std::string>("body.timestamp"), convert<std::string>(new_timestamp()));
+  EXPECT_EQ(chart_attribute("option"), "--opt_level");
+  EXPECT_EQ(chart_attribute("title"), "Vary Optimization Level");
+  EXPECT_EQ(chart_attribute("valueLabel"), "Code Size (bytes)");
+  EXPECT_EQ(bars_in_file(), (std::vector<bar_row>{{"1", "900", "green"}, {"3", "700", "red"}}));
+}
+
+TEST_F(perf_document, bars_come_out_once_per_key_in_byte_order_and_foreign_content_is_dropped) {
+  write_results(0x100,
+                "<menu><menu_item option=\"--other\" description=\"Other\"/></menu>"
+                "<notes>kept nowhere</notes>"
+                "<chart option=\"--opt_for_speed\" title=\"t\" valueLabel=\"v\" extra=\"x\">"
+                "<bar option_value=\"2\" value=\"4294967295\" color=\"yellow\"/>"
+                "<legend>ignored</legend>"
+                "<bar option_value=\"10\" value=\"20\" color=\"green\"/>"
+                "<bar option_value=\"1\" value=\"30\" color=\"yellow\"/>"
+                "<bar option_value=\"2\" value=\"40\" color=\"red\"/>"
+                "</chart>");
+  plain_run();
+  EXPECT_EQ(bars_in_file(),
+            (std::vector<bar_row>{
+                {"1", "30", "yellow"}, {"10", "20", "green"}, {"2", "4294967295", "yellow"}}));
+  const ptree tree = read_tree(results_path);
+  EXPECT_EQ(tree.get_child("body").count("notes"), 0u);
+  EXPECT_EQ(tree.get_child("body.chart").count("legend"), 0u);
+  EXPECT_FALSE(tree.get_optional<std::string>("body.chart.<xmlattr>.extra"));
+  std::vector<std::string> menu_options;
+  for (const auto& [name, item] : tree.get_child("body.menu"))
+    menu_options.push_back(item.get<std::string>("<xmlattr>.option"));
+  EXPECT_EQ(menu_options, (std::vector<std::string>{"--opt_for_speed", "--opt_level"}));
+}
+
+TEST_F(perf_document, reading_bars_stops_at_the_first_bad_one) {
+  // A value that is no unsigned number, then a bar without its colour: each
+  // ends the reading at itself.
+  for (const char* bad_bar : {"<bar option_value=\"5\" value=\"abc\" color=\"cyan\"/>",
+                              "<bar option_value=\"5\" value=\"50\"/>"}) {
+    SCOPED_TRACE(bad_bar);
+    write_results(0x100, std::string("<chart ") + chart_labels +
+                             "><bar option_value=\"7\" value=\"70\" color=\"cyan\"/>" + bad_bar +
+                             "<bar option_value=\"0\" value=\"10\" color=\"cyan\"/></chart>");
+    plain_run();
+    EXPECT_EQ(bars_in_file(), (std::vector<bar_row>{{"7", "70", "cyan"}}));
+  }
+}
+
+TEST_F(perf_document, a_chart_without_title_loses_its_title_and_all_bars) {
+  write_results(0x100,
+                "<chart option=\"--opt_level\" valueLabel=\"v\">"
+                "<bar option_value=\"7\" value=\"70\" color=\"cyan\"/></chart>");
+  plain_run();
+  EXPECT_EQ(chart_attribute("option"), "--opt_level");
+  EXPECT_EQ(chart_attribute("title"), "");
+  EXPECT_EQ(chart_attribute("valueLabel"), "Code Size (bytes)");
+  EXPECT_TRUE(bars_in_file().empty());
+}
+
+TEST_F(perf_document, an_unparsable_document_or_one_without_chart_gets_the_default_chart) {
+  for (const char* content : {"<body><version>1</version><chart option=\"x\"",
+                              "<body><timestamp>0x1</timestamp><bar option_value=\"7\" "
+                              "value=\"70\" color=\"cyan\"/></body>"}) {
+    SCOPED_TRACE(content);
+    write_file(results_path, content);
+    plain_run();
+    EXPECT_EQ(chart_attribute("option"), "--opt_for_speed");
+    EXPECT_EQ(chart_attribute("title"), "Vary Size vs Speed Setting");
+    EXPECT_TRUE(bars_in_file().empty());
+  }
+}
+
+}  // namespace
