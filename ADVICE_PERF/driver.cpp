@@ -1,6 +1,9 @@
 #include "ADVICE_PERF/driver.h"
 
+#include "ADVICE_PERF/advice.h"
 #include "ADVICE_PERF/arg_stream.h"
+#include "ADVICE_PERF/link_data.h"
+#include "ADVICE_PERF/perf_results.h"
 #include "ADVICE_PERF/signals.h"
 #include "DIAG/diag.h"
 #include "UTIL/fatal_error.h"
@@ -93,6 +96,22 @@ void check_required_options() {
     if (cmdline_options->option_state[option.id] == 0) abort_run(option.message);
 }
 
+// Reads the link information and both documents, has the documents updated
+// and writes them: the results document first, then the advice document. The
+// objects go in reverse order of building.
+void update_documents() {
+  auto link_data =
+      std::make_unique<LINK_DATA>(cmdline_options->getstrarg(option_obj::XML_LINK_INFO, 0));
+  auto advice =
+      std::make_unique<ADVICE>(cmdline_options->getstrarg(option_obj::ADVICE_FILE, 0), *link_data);
+  auto perf_results = std::make_unique<PERF_RESULTS>(
+      cmdline_options->getstrarg(option_obj::BENCHMARKS_FILE, 0), *link_data, advice.get());
+  advice->update();
+  perf_results->update();
+  perf_results->output();
+  advice->output();
+}
+
 void run(char** argv) {
   build_option_objects(argv[0]);
   while (const char* token = next_arg())
@@ -100,6 +119,7 @@ void run(char** argv) {
   global_options->post_process_option_depends();
   cmdline_options->post_process_option_depends();
   check_required_options();
+  update_documents();
 }
 
 std::string demangled_type_name(const std::exception& e) {

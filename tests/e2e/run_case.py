@@ -12,6 +12,8 @@ A case directory holds:
                     stream must match (for texts the system supplies, such as
                     strerror words)
   expected/files/   files the working directory must hold afterwards, compared exactly
+                    but for the word @TIMESTAMP@, which stands for the hexadecimal
+                    time stamp of the run
   signal            optional: the name of a signal (SIGINT, SIGTERM, ...). The tool
                     then reads its command file from the FIFO "cmd.fifo" in the
                     working directory; the signal is sent while it waits for input.
@@ -42,6 +44,13 @@ def compare_stream(case, name, actual, failures):
     expected = read(exact) if os.path.exists(exact) else ""
     if actual != expected:
         failures.append(f"{name} differs.\n--- expected\n{expected}--- actual\n{actual}---")
+
+
+def matches_document(expected, actual):
+    """Whether a written document is the expected one; @TIMESTAMP@ in the expected
+    text stands for any time stamp in the documents' numeric format."""
+    pattern = re.escape(expected).replace(re.escape("@TIMESTAMP@"), "0x[0-9a-f]+")
+    return re.fullmatch(pattern, actual) is not None
 
 
 def run_with_signal(binary, args, work, signame):
@@ -91,7 +100,7 @@ def main():
                 produced = os.path.join(work, rel)
                 if not os.path.exists(produced):
                     failures.append(f"{rel} was not written")
-                elif read(produced) != read(os.path.join(root, name)):
+                elif not matches_document(read(os.path.join(root, name)), read(produced)):
                     failures.append(f"{rel} differs:\n{read(produced)}")
     if failures:
         print(f"FAIL {os.path.basename(case)}")

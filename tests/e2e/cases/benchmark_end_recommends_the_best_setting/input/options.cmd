@@ -1,0 +1,1 @@
+-O3 --opt_for_speed=4

@@ -1,0 +1,1 @@
+-O2 -g --opt_for_speed=3
