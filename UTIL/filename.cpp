@@ -81,7 +81,8 @@ const char* temp_directory(const char* dir) {
 }
 
 // A name (free) in the temporary directory, of prefix and six random base-62
-// characters, that names no existing file; null with errno set if there is none.
+// characters, that names no existing file; null with errno set if there is none
+// or memory runs out.
 char* unused_temp_name(const char* dir, const char* prefix) {
   constexpr int random_chars = 6;
   constexpr int attempts = 1000;
@@ -93,7 +94,9 @@ char* unused_temp_name(const char* dir, const char* prefix) {
   static uint64_t state =
       static_cast<uint64_t>(time(nullptr)) ^ (static_cast<uint64_t>(getpid()) << 32);
   const size_t size = strlen(directory) + strlen(prefix) + random_chars + 2;
-  char* name = static_cast<char*>(safemalloc(size));
+  // Plain malloc, so that fn_tmpnam reports running out of memory in its own words.
+  char* name = static_cast<char*>(malloc(size));
+  if (name == nullptr) return nullptr;
   char* tail = name + snprintf(name, size, "%s/%s", directory, prefix);
   for (int attempt = 0; attempt < attempts; ++attempt) {
     state = state * 6364136223846793005u + 1442695040888963407u;

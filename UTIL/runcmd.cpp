@@ -257,12 +257,16 @@ int run_through_command_file(const char* command, char** args, int count,
   quote_arguments(count, args, quoted, true);
   char option_and_file[cmd_file_arg_size];
   char* name = fn_tmpnam(nullptr, nullptr, nullptr);
-  snprintf(option_and_file, sizeof option_and_file, "%s%s", cmd_file_option, name);
-  free(name);
-  const char* file_name = option_and_file + strlen(cmd_file_option);
+  const int length =
+      snprintf(option_and_file, sizeof option_and_file, "%s%s", cmd_file_option, name);
+  // A name cut short by the buffer would be another file: such a one isn't made.
+  const bool fits = static_cast<size_t>(length) < sizeof option_and_file;
+  const char* file_name = fits ? option_and_file + strlen(cmd_file_option) : name;
+  FILE* file = fits ? fopen(file_name, "w") : nullptr;
+  if (!fits) errno = ENAMETOOLONG;
 
   int result = -1;
-  if (FILE* file = fopen(file_name, "w"); file == nullptr) {
+  if (file == nullptr) {
     if (report)
       fprintf(stderr, "Cannot open temporary command file '%s': %s\n", file_name, strerror(errno));
   } else if (!write_command_file(file, quoted, count)) {
@@ -282,6 +286,7 @@ int run_through_command_file(const char* command, char** args, int count,
       if (echo < 2) fn_delete(file_name);
     }
   }
+  free(name);
   free_list(quoted, count);
   return result;
 }

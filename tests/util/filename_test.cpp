@@ -1,5 +1,6 @@
 #include "UTIL/filename.h"
 
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -198,6 +199,38 @@ TEST(FileNames, TemporaryNamesCarryTheProcessPrefix) {
   EXPECT_EQ(std::string(fn_tmpnam(dest, nullptr, tmp.path().c_str())).rfind(env_dir.path(), 0), 0u);
   ScopedEnv missing_tmpdir("TMPDIR", tmp.file("missing").c_str());
   EXPECT_EQ(std::string(fn_tmpnam(dest, nullptr, tmp.path().c_str())).rfind(tmp.path(), 0), 0u);
+}
+
+// Leaves the process no memory for even a small allocation.
+void exhaust_memory() {
+  long pages = 0;
+  if (FILE* statm = fopen("/proc/self/statm", "r")) {
+    if (fscanf(statm, "%ld", &pages) != 1) pages = 0;
+    fclose(statm);
+  }
+  rlimit limit{};
+  getrlimit(RLIMIT_AS, &limit);
+  limit.rlim_cur = static_cast<rlim_t>(pages * sysconf(_SC_PAGESIZE)) + (1 << 20);
+  setrlimit(RLIMIT_AS, &limit);
+  for (size_t size = 1 << 16; size > 0; size /= 2) {
+    void* volatile block;  // keeps the allocations from being optimised away
+    do
+      block = malloc(size);
+    while (block != nullptr);
+  }
+}
+
+TEST(FileNamesDeathTest, TemporaryNameWithoutMemoryEndsTheProcess) {
+#if defined(__SANITIZE_ADDRESS__)
+  GTEST_SKIP() << "the address sanitizer needs more address space than the test leaves";
+#endif
+  TempDir tmp;
+  EXPECT_EXIT(
+      {
+        exhaust_memory();
+        fn_tmpnam(nullptr, nullptr, tmp.path().c_str());
+      },
+      testing::ExitedWithCode(1), "^ERROR: cannot create temporary file name; out of memory\n$");
 }
 
 TEST(FileNames, DirectoryEntriesAreListedUntilTheEnd) {

@@ -5,7 +5,9 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -159,6 +161,27 @@ TEST_F(RunCommand, LongLineGoesThroughAQuotedCommandFile) {
   disable_command_files();
   EXPECT_EQ(run(recorder, args, "-@"), 0);
   EXPECT_EQ(seen(), args[0] + "\n" + args[1] + "\n" + args[2] + "\n" + args[3] + "\n");
+}
+
+TEST_F(RunCommand, CommandFileOptionAndNameMustFitOneArgument) {
+  const std::vector<std::string> args = {std::string(1100, 'f')};
+  char* sample = fn_tmpnam(nullptr, nullptr, nullptr);
+  const size_t name_length = strlen(sample);
+  free(sample);
+  const std::string fitting(4095 - name_length, 'o');
+  EXPECT_EQ(run(recorder, args, fitting.c_str()), 0);
+  EXPECT_EQ(seen().rfind(fitting + tmp.path() + "/", 0), 0u);
+  EXPECT_EQ(seen().size(), 4096u);
+
+  // Longer, the name would be cut: nothing is written and nothing runs.
+  for (const std::string& option : {fitting + "o", std::string(5000, 'o')}) {
+    std::remove(tmp.file("seen").c_str());
+    const std::string err = capture_output(
+        stderr, [&] { EXPECT_EQ(run(recorder, args, option.c_str(), 0, true), -1); });
+    EXPECT_EQ(err.rfind("Cannot open temporary command file '" + tmp.path() + "/", 0), 0u) << err;
+    EXPECT_NE(err.find("': File name too long\n"), std::string::npos) << err;
+    EXPECT_FALSE(fn_exists(tmp.file("seen").c_str()));
+  }
 }
 
 TEST_F(RunCommand, EchoLevelsTellAndEchoTwoRunsNothing) {
