@@ -203,14 +203,6 @@ const passto_entry passto_fn_table[] = {
     {-1, nullptr}};
 
 template <class T, size_t N>
-constexpr unsigned count_set(const T (&entries)[N], bool (*is_set)(const T&)) {
-  unsigned count = 0;
-  for (const T& entry : entries)
-    count += is_set(entry);
-  return count;
-}
-
-template <class T, size_t N>
 constexpr unsigned count_of(const T (&)[N]) {
   return static_cast<unsigned>(N);
 }
@@ -228,14 +220,6 @@ static_assert(table_facts::last_file_option == table_facts::first_file_option + 
 static_assert(count_of(merge_policies) == table_facts::option_count);
 static_assert(count_of(mutex_merge_override_functions) == table_facts::option_count);
 static_assert(count_of(merge_conflicts) == table_facts::option_count * table_facts::option_count);
-static_assert(count_set(
-                  merge_policies, +[](const merge_policy_row& row) {
-                    return row.policy != nullptr;
-                  }) == merge_facts::policy_count);
-static_assert(count_set(
-                  mutex_merge_override_functions, +[](const merge_group* const& group) {
-                    return group != nullptr;
-                  }) == merge_facts::override_row_count);
 static_assert(count_of(passto_fn_table) - 1 == merge_facts::passto_count);
 
 }  // namespace
