@@ -40,14 +40,6 @@ class PERF_RESULTS : public PTREE_INFO {
   // and fills the menu.
   void update();
 
-  // Options a series may vary, with their menu descriptions.
-  const menu_map& get_menu() const { return menu; }
-  // Bars keyed by the option value they were built with.
-  const bar_map& get_bars() const { return bars; }
-  const CHART_INFO& get_chart() const { return chart; }
-  // Whether this run carries a valid benchmark event.
-  bool is_benchmarking() const { return benchmarking; }
-
  protected:
   void read_body() override;
   void write_body() override;

@@ -64,7 +64,6 @@ class PTREE_INFO {
   // Rewrites the file from the object alone: version, time stamp, body.
   void output();
 
-  int32_t get_version() const { return version; }
   int32_t get_file_version() const { return file_version; }
   // The time stamp found in the file at the last input; 0 when none was read.
   uint64_t get_timestamp() const { return timestamp; }
