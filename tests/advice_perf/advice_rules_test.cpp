@@ -188,10 +188,10 @@ TEST_F(advice_rules, an_entry_lives_from_run_to_run_through_a_series) {
   EXPECT_EQ(advice_run({}).keys(), proposed);
   run({"--benchmark:event=end", "--benchmark:option=--opt_for_speed", "--benchmark:option_value=4"},
       {"--opt_for_speed=2"});
-  const std::vector<bar_row> rows = advice_in_file();
-  EXPECT_EQ(rows, (std::vector<bar_row>{{"00000", "curr_setting", ""},
-                                        {"27007", "opt_setting", "3"},
-                                        {"27011", "build_results", "4"}}));
+  const std::vector<attribute_row> rows = advice_in_file();
+  EXPECT_EQ(rows, (std::vector<attribute_row>{{"00000", "curr_setting", ""},
+                                              {"27007", "opt_setting", "3"},
+                                              {"27011", "build_results", "4"}}));
 
   // The user follows the result: it goes, and the proposal doesn't come back.
   const advice_state followed = advice_run({"--opt_for_speed=4"});

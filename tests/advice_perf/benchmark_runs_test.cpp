@@ -4,7 +4,7 @@
 
 namespace {
 
-using entry_row = bar_row;  // diag_code, advice_type, value
+using entry_row = attribute_row;  // diag_code, advice_type, value
 
 class benchmark_run : public perf_fixture {
  protected:
@@ -60,11 +60,12 @@ TEST_F(benchmark_run, a_speed_series_from_start_to_end) {
   EXPECT_EQ(series_entries(), (std::vector<entry_row>{{"27010", "build_run", ""}}));
 
   speed_build("append", "2", 30000);
-  EXPECT_EQ(bars_in_file(), (std::vector<bar_row>{{"2", "30000", "green"}}));
+  EXPECT_EQ(bars_in_file(), (std::vector<attribute_row>{{"2", "30000", "green"}}));
   EXPECT_EQ(series_entries(), (std::vector<entry_row>{{"27010", "build_run", ""}}));
 
   speed_build("end", "4", 34000, 1, {"--opt_for_speed=4"});
-  EXPECT_EQ(bars_in_file(), (std::vector<bar_row>{{"2", "30000", "green"}, {"4", "34000", "red"}}));
+  EXPECT_EQ(bars_in_file(),
+            (std::vector<attribute_row>{{"2", "30000", "green"}, {"4", "34000", "red"}}));
   EXPECT_EQ(series_entries(), (std::vector<entry_row>{{"27011", "build_results", "2"}}));
   const ptree advice = read_tree(advice_path);
   ptree result;
@@ -80,31 +81,33 @@ TEST_F(benchmark_run, an_end_whose_best_is_the_goal_leaves_no_result) {
   start("--opt_for_speed");
   speed_build("append", "1", 100);
   speed_build("end", "3", 200, 0, {"--opt_for_speed=3"});
-  EXPECT_EQ(bars_in_file(), (std::vector<bar_row>{{"1", "100", "yellow"}, {"3", "200", "green"}}));
+  EXPECT_EQ(bars_in_file(),
+            (std::vector<attribute_row>{{"1", "100", "yellow"}, {"3", "200", "green"}}));
   EXPECT_TRUE(series_entries().empty());
 }
 
 TEST_F(benchmark_run, an_end_without_a_usable_bar_recommends_an_empty_value) {
   speed_build("end", "5", 900, 2);
-  EXPECT_EQ(bars_in_file(), (std::vector<bar_row>{{"5", "900", "red"}}));
+  EXPECT_EQ(bars_in_file(), (std::vector<attribute_row>{{"5", "900", "red"}}));
   EXPECT_EQ(series_entries(), (std::vector<entry_row>{{"27011", "build_results", ""}}));
 }
 
 TEST_F(benchmark_run, the_largest_clean_bar_is_the_only_green_one) {
   speed_build("append", "1", 500);
   speed_build("append", "2", 800);  // overtakes 1
-  EXPECT_EQ(bars_in_file(), (std::vector<bar_row>{{"1", "500", "yellow"}, {"2", "800", "green"}}));
+  EXPECT_EQ(bars_in_file(),
+            (std::vector<attribute_row>{{"1", "500", "yellow"}, {"2", "800", "green"}}));
   speed_build("append", "3", 800);      // equal size: the later key wins
   speed_build("append", "4", 5000, 1);  // larger, but red
-  EXPECT_EQ(bars_in_file(), (std::vector<bar_row>{{"1", "500", "yellow"},
-                                                  {"2", "800", "yellow"},
-                                                  {"3", "800", "green"},
-                                                  {"4", "5000", "red"}}));
+  EXPECT_EQ(bars_in_file(), (std::vector<attribute_row>{{"1", "500", "yellow"},
+                                                        {"2", "800", "yellow"},
+                                                        {"3", "800", "green"},
+                                                        {"4", "5000", "red"}}));
   speed_build("append", "4", 700);  // rebuilt without errors under the same key
-  EXPECT_EQ(bars_in_file(), (std::vector<bar_row>{{"1", "500", "yellow"},
-                                                  {"2", "800", "yellow"},
-                                                  {"3", "800", "green"},
-                                                  {"4", "700", "yellow"}}));
+  EXPECT_EQ(bars_in_file(), (std::vector<attribute_row>{{"1", "500", "yellow"},
+                                                        {"2", "800", "yellow"},
+                                                        {"3", "800", "green"},
+                                                        {"4", "700", "yellow"}}));
 }
 
 TEST_F(benchmark_run, a_bar_needs_a_new_link_with_code) {
@@ -116,15 +119,15 @@ TEST_F(benchmark_run, a_bar_needs_a_new_link_with_code) {
   write_results(0x100, "<chart option=\"--opt_level\" title=\"t\" valueLabel=\"v\"/>");
   write_link(0x100, -1, 100);  // same second; an unknown error count is no error
   build("append", "--opt_level", "1");
-  EXPECT_EQ(bars_in_file(), (std::vector<bar_row>{{"1", "100", "cyan"}}));
+  EXPECT_EQ(bars_in_file(), (std::vector<attribute_row>{{"1", "100", "cyan"}}));
 
   write_link(now, 0, 0);  // a link without code
   build("append", "--opt_level", "2");
-  EXPECT_EQ(bars_in_file(), (std::vector<bar_row>{{"1", "100", "cyan"}}));
+  EXPECT_EQ(bars_in_file(), (std::vector<attribute_row>{{"1", "100", "cyan"}}));
 
   std::filesystem::remove(link_path);  // no link information at all
   build("end", "--opt_level", "3");
-  EXPECT_EQ(bars_in_file(), (std::vector<bar_row>{{"1", "100", "cyan"}}));
+  EXPECT_EQ(bars_in_file(), (std::vector<attribute_row>{{"1", "100", "cyan"}}));
 }
 
 TEST_F(benchmark_run, a_level_series_draws_cyan_and_red_bars_and_gives_no_advice) {
@@ -137,7 +140,7 @@ TEST_F(benchmark_run, a_level_series_draws_cyan_and_red_bars_and_gives_no_advice
   write_link(now, 3, 400);
   build("end", "--opt_level", "off");
   EXPECT_EQ(bars_in_file(),
-            (std::vector<bar_row>{{"not a level", "300", "cyan"}, {"off", "400", "red"}}));
+            (std::vector<attribute_row>{{"not a level", "300", "cyan"}, {"off", "400", "red"}}));
   EXPECT_EQ(series_entries(),
             (std::vector<entry_row>{{"27010", "build_run", ""}, {"27011", "build_results", "1"}}));
 }
@@ -146,10 +149,11 @@ TEST_F(benchmark_run, the_option_name_is_matched_exactly_for_level_and_in_any_ca
   write_link(now, 0, 300);
   build("append", "--OPT_LEVEL", "1");
   EXPECT_EQ(chart_attribute("option"), "--opt_for_speed");
-  EXPECT_EQ(bars_in_file(), (std::vector<bar_row>{{"1", "300", "cyan"}}));
+  EXPECT_EQ(bars_in_file(), (std::vector<attribute_row>{{"1", "300", "cyan"}}));
 
   build("end", "--OPT_FOR_SPEED", "2", {"--opt_for_speed=1"});
-  EXPECT_EQ(bars_in_file(), (std::vector<bar_row>{{"1", "300", "yellow"}, {"2", "300", "green"}}));
+  EXPECT_EQ(bars_in_file(),
+            (std::vector<attribute_row>{{"1", "300", "yellow"}, {"2", "300", "green"}}));
   EXPECT_EQ(series_entries(), (std::vector<entry_row>{{"27011", "build_results", "2"}}));
 }
 
@@ -163,11 +167,12 @@ TEST_F(benchmark_run, only_start_clears_the_bars_even_when_the_option_changes) {
   write_link(now, 0, 200);
   build("append", "--opt_level", "2");
   EXPECT_EQ(chart_attribute("option"), "--opt_level");
-  EXPECT_EQ(bars_in_file(), (std::vector<bar_row>{{"1", "100", "green"}, {"2", "200", "cyan"}}));
+  EXPECT_EQ(bars_in_file(),
+            (std::vector<attribute_row>{{"1", "100", "green"}, {"2", "200", "cyan"}}));
   // A speed build afterwards turns the other series' bars yellow as well.
   speed_build("append", "3", 150);
   EXPECT_EQ(bars_in_file(),
-            (std::vector<bar_row>{
+            (std::vector<attribute_row>{
                 {"1", "100", "yellow"}, {"2", "200", "green"}, {"3", "150", "yellow"}}));
 }
 
@@ -197,7 +202,7 @@ TEST_F(benchmark_run, an_incomplete_event_is_refused_and_leaves_the_chart_alone)
     EXPECT_EQ(::testing::internal::GetCapturedStderr(), call.message);
     EXPECT_EQ(chart_attribute("option"), "--opt_level");
     EXPECT_EQ(chart_attribute("title"), "t");
-    EXPECT_EQ(bars_in_file(), (std::vector<bar_row>{{"3", "5", "cyan"}}));
+    EXPECT_EQ(bars_in_file(), (std::vector<attribute_row>{{"3", "5", "cyan"}}));
     EXPECT_TRUE(series_entries().empty());
   }
   EXPECT_EQ(DIAGNOSTIC::error_count_m, errors_before);

@@ -43,7 +43,8 @@ TEST_F(perf_document, a_plain_run_keeps_labels_and_bars_and_resets_only_the_valu
   EXPECT_EQ(chart_attribute("option"), "--opt_level");
   EXPECT_EQ(chart_attribute("title"), "Vary Optimization Level");
   EXPECT_EQ(chart_attribute("valueLabel"), "Code Size (bytes)");
-  EXPECT_EQ(bars_in_file(), (std::vector<bar_row>{{"1", "900", "green"}, {"3", "700", "red"}}));
+  EXPECT_EQ(bars_in_file(),
+            (std::vector<attribute_row>{{"1", "900", "green"}, {"3", "700", "red"}}));
 }
 
 TEST_F(perf_document, bars_come_out_once_per_key_in_byte_order_and_foreign_content_is_dropped) {
@@ -59,7 +60,7 @@ TEST_F(perf_document, bars_come_out_once_per_key_in_byte_order_and_foreign_conte
                 "</chart>");
   plain_run();
   EXPECT_EQ(bars_in_file(),
-            (std::vector<bar_row>{
+            (std::vector<attribute_row>{
                 {"1", "30", "yellow"}, {"10", "20", "green"}, {"2", "4294967295", "yellow"}}));
   const ptree tree = read_tree(results_path);
   EXPECT_EQ(tree.get_child("body").count("notes"), 0u);
@@ -81,7 +82,7 @@ TEST_F(perf_document, reading_bars_stops_at_the_first_bad_one) {
                              "><bar option_value=\"7\" value=\"70\" color=\"cyan\"/>" + bad_bar +
                              "<bar option_value=\"0\" value=\"10\" color=\"cyan\"/></chart>");
     plain_run();
-    EXPECT_EQ(bars_in_file(), (std::vector<bar_row>{{"7", "70", "cyan"}}));
+    EXPECT_EQ(bars_in_file(), (std::vector<attribute_row>{{"7", "70", "cyan"}}));
   }
 }
 

@@ -22,7 +22,8 @@
 
 using tokens = std::vector<std::string>;
 // A bar as the file shows it: option_value, value, color.
-using bar_row = std::tuple<std::string, std::string, std::string>;
+// Three attributes of one element as written in a document.
+using attribute_row = std::tuple<std::string, std::string, std::string>;
 
 class perf_fixture : public ::testing::Test {
  protected:
@@ -95,16 +96,24 @@ class perf_fixture : public ::testing::Test {
     return tree;
   }
 
-  std::vector<bar_row> bars_in_file() const {
-    std::vector<bar_row> rows;
-    const ptree tree = read_tree(results_path);
-    for (const auto& [name, bar] : tree.get_child("body.chart")) {
-      if (name != "bar") continue;
-      rows.emplace_back(bar.get<std::string>("<xmlattr>.option_value"),
-                        bar.get<std::string>("<xmlattr>.value"),
-                        bar.get<std::string>("<xmlattr>.color"));
+  // The attributes a, b, c of each element called child under parent, in file order.
+  static std::vector<attribute_row> attribute_rows(const std::string& path, const char* parent,
+                                                   const char* child, const char* a, const char* b,
+                                                   const char* c) {
+    std::vector<attribute_row> rows;
+    const ptree tree = read_tree(path);
+    for (const auto& [name, element] : tree.get_child(parent)) {
+      if (name != child) continue;
+      const ptree& attributes = element.get_child("<xmlattr>");
+      rows.emplace_back(attributes.get<std::string>(a), attributes.get<std::string>(b),
+                        attributes.get<std::string>(c));
     }
     return rows;
+  }
+
+  // The bars in the results file as (option_value, value, color).
+  std::vector<attribute_row> bars_in_file() const {
+    return attribute_rows(results_path, "body.chart", "bar", "option_value", "value", "color");
   }
 
   std::string chart_attribute(const std::string& name) const {
@@ -112,15 +121,7 @@ class perf_fixture : public ::testing::Test {
   }
 
   // The advice entries in the file as (diag_code, advice_type, value).
-  std::vector<bar_row> advice_in_file() const {
-    std::vector<bar_row> rows;
-    const ptree tree = read_tree(advice_path);
-    for (const auto& [name, entry] : tree.get_child("body")) {
-      if (name != "advice") continue;
-      rows.emplace_back(entry.get<std::string>("<xmlattr>.diag_code"),
-                        entry.get<std::string>("<xmlattr>.advice_type"),
-                        entry.get<std::string>("<xmlattr>.value"));
-    }
-    return rows;
+  std::vector<attribute_row> advice_in_file() const {
+    return attribute_rows(advice_path, "body", "advice", "diag_code", "advice_type", "value");
   }
 };
