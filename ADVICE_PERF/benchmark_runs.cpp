@@ -6,6 +6,7 @@
 #include "ADVICE_PERF/driver.h"
 #include "ADVICE_PERF/link_data.h"
 #include "ADVICE_PERF/perf_results.h"
+#include "ADVICE_PERF/xml_text.h"
 #include "UTIL/strcase.h"
 #include "options/optobj.h"
 
@@ -123,7 +124,10 @@ void PERF_RESULTS::append() {
 }
 
 void PERF_RESULTS::update_bar_chart(std::string color, uint32_t value) {
-  const std::string key = benchmarking ? text_of(option_obj::BENCHMARK__OPTION_VALUE) : "";
+  // The key as the document will hold it, so a key with bytes XML can't carry
+  // finds its bar again in the next run.
+  const std::string key =
+      strict_xml_text(benchmarking ? text_of(option_obj::BENCHMARK__OPTION_VALUE) : "");
   if (value == 0 || key.empty()) return;
   bars[key] = PERF_INFO{value, std::move(color)};
 }

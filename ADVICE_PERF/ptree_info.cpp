@@ -1,5 +1,8 @@
 #include "ADVICE_PERF/ptree_info.h"
 
+#include "ADVICE_PERF/file_replace.h"
+#include "ADVICE_PERF/xml_text.h"
+
 #include <boost/property_tree/xml_parser.hpp>
 
 #include <ctime>
@@ -28,7 +31,9 @@ ptree XML_PTREE::read() const {
 
 void XML_PTREE::write(const ptree& tree) const {
   const xml_parser::xml_writer_settings<std::string> settings('\t', 1, "utf-8");
-  xml_parser::write_xml(file_name, tree, std::locale(), settings);
+  std::ostringstream text;
+  xml_parser::write_xml(text, tree, settings);
+  replace_file(file_name, strict_xml_text(text.str()));
 }
 
 PTREE_INFO::PTREE_INFO(const char* file_name)
@@ -52,7 +57,7 @@ void PTREE_INFO::output() {
   write_version();
   write_timestamp();
   write_body();
-  xml->write(ptree(pt));
+  xml->write(pt);
 }
 
 int32_t PTREE_INFO::read_version() {

@@ -43,7 +43,8 @@ class XML_PTREE {
 
   // The file's tree; an empty tree when the file can't be opened or parsed.
   ptree read() const;
-  // Replaces the file with the tree; failures throw xml_parser_error.
+  // Replaces the file with the tree, as strict XML 1.0 (see strict_xml_text),
+  // through replace_file; failures throw xml_parser_error.
   void write(const ptree& tree) const;
 
  private:
