@@ -2,6 +2,7 @@
 
 #include "ADVICE_PERF/advice.h"
 #include "ADVICE_PERF/arg_stream.h"
+#include "ADVICE_PERF/document_lock.h"
 #include "ADVICE_PERF/link_data.h"
 #include "ADVICE_PERF/perf_results.h"
 #include "ADVICE_PERF/signals.h"
@@ -12,6 +13,7 @@
 
 #include <cxxabi.h>
 #include <cerrno>
+#include <chrono>
 #include <cstdlib>
 #include <cstring>
 #include <exception>
@@ -96,16 +98,27 @@ void check_required_options() {
     if (cmdline_options->option_state[option.id] == 0) abort_run(option.message);
 }
 
+// How long a run waits for another run that shares its documents.
+constexpr std::chrono::seconds lock_patience(60);
+
 // Reads the link information and both documents, has the documents updated
 // and writes them: the results document first, then the advice document. The
+// documents stay locked from before the reading until after the writing. The
 // objects go in reverse order of building.
 void update_documents() {
+  const char* advice_file = cmdline_options->getstrarg(option_obj::ADVICE_FILE, 0);
+  const char* results_file = cmdline_options->getstrarg(option_obj::BENCHMARKS_FILE, 0);
+  const DOCUMENT_LOCKS locks({advice_file, results_file}, lock_mode::exclusive, lock_patience);
+  if (!locks.busy_directory().empty()) {
+    std::fprintf(stderr,
+                 ">> Aborting - another run kept the documents in %s locked for %lld seconds\n",
+                 locks.busy_directory().c_str(), static_cast<long long>(lock_patience.count()));
+    std::exit(1);
+  }
   auto link_data =
       std::make_unique<LINK_DATA>(cmdline_options->getstrarg(option_obj::XML_LINK_INFO, 0));
-  auto advice =
-      std::make_unique<ADVICE>(cmdline_options->getstrarg(option_obj::ADVICE_FILE, 0), *link_data);
-  auto perf_results = std::make_unique<PERF_RESULTS>(
-      cmdline_options->getstrarg(option_obj::BENCHMARKS_FILE, 0), *link_data, advice.get());
+  auto advice = std::make_unique<ADVICE>(advice_file, *link_data);
+  auto perf_results = std::make_unique<PERF_RESULTS>(results_file, *link_data, advice.get());
   advice->update();
   perf_results->update();
   perf_results->output();

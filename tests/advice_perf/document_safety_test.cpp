@@ -1,0 +1,146 @@
+// What keeps the documents whole: strict XML text, replacement of a file by a
+// new one, and the locks that keep runs from interleaving.
+#include "ADVICE_PERF/document_lock.h"
+#include "ADVICE_PERF/file_replace.h"
+#include "ADVICE_PERF/xml_text.h"
+#include "tests/util/temp_dir.h"
+
+#include <gtest/gtest.h>
+
+#include <boost/property_tree/xml_parser.hpp>
+
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <filesystem>
+
+namespace {
+
+namespace fs = std::filesystem;
+using namespace std::chrono_literals;
+
+TEST(strict_xml_text, replaces_what_xml_cannot_carry_and_keeps_the_rest) {
+  const std::string r(xml_replacement_char);
+  const struct {
+    std::string in, out;
+  } cases[] = {
+      {"plain -O3 \t\n\r", "plain -O3 \t\n\r"},
+      {"caf\xC3\xA9 \xE2\x82\xAC \xF0\x9F\x98\x80 \xEF\xBF\xBD",
+       "caf\xC3\xA9 \xE2\x82\xAC \xF0\x9F\x98\x80 " + r},
+      {std::string("a\x01z\0", 4), "a" + r + "z" + r},
+      {"caf\xE9!", "caf" + r + "!"},        // a Latin-1 byte
+      {"\xC0\x80", r + r},                  // overlong NUL
+      {"\xED\xA0\x80", r + r + r},          // a surrogate
+      {"\xEF\xBF\xBE\xEF\xBF\xBF", r + r},  // the two non-characters
+      {"\xF4\x90\x80\x80", r + r + r + r},  // past U+10FFFF
+      {"\xE2\x82", r + r},                  // cut short at the end
+      {"\x7F\xC2\x85", "\x7F\xC2\x85"},     // DEL and NEL are allowed
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(strict_xml_text(c.in), c.out) << c.in;
+    EXPECT_EQ(strict_xml_text(c.out), c.out) << "applied twice: " << c.in;
+  }
+}
+
+class replace_file_test : public ::testing::Test {
+ protected:
+  TempDir dir;
+  const std::string doc = dir.file("perf.xml");
+  const std::string temp = dir.file(".perf.xml.advzorv-new");
+
+  void SetUp() override { write_file(doc, "old"); }
+
+  // The directory holds the document and nothing else.
+  void expect_untouched() const {
+    EXPECT_EQ(read_file(doc), "old");
+    EXPECT_FALSE(fs::exists(temp));
+  }
+};
+
+TEST_F(replace_file_test, keeps_permission_bits_and_symbolic_links) {
+  chmod(doc.c_str(), 0640);
+  fs::create_symlink("perf.xml", dir.file("link.xml"));
+  replace_file(dir.file("link.xml"), "new");
+  EXPECT_TRUE(fs::is_symlink(dir.file("link.xml")));
+  EXPECT_EQ(read_file(doc), "new");
+  EXPECT_EQ(fs::status(doc).permissions(), static_cast<fs::perms>(0640));
+  EXPECT_FALSE(fs::exists(temp));
+
+  fs::create_symlink("made.xml", dir.file("dangling.xml"));
+  replace_file(dir.file("dangling.xml"), "made");
+  EXPECT_EQ(read_file(dir.file("made.xml")), "made");
+}
+
+TEST_F(replace_file_test, a_failed_write_leaves_the_old_file_and_no_new_one) {
+  rlimit saved;
+  getrlimit(RLIMIT_FSIZE, &saved);
+  rlimit small = saved;
+  small.rlim_cur = 1024;
+  setrlimit(RLIMIT_FSIZE, &small);
+  EXPECT_THROW(replace_file(doc, std::string(4096, 'x')),
+               boost::property_tree::xml_parser::xml_parser_error);
+  setrlimit(RLIMIT_FSIZE, &saved);
+  expect_untouched();
+
+  fs::create_directory(temp);  // the new file can't be made
+  try {
+    replace_file(doc, "new");
+    ADD_FAILURE() << "no error";
+  } catch (const boost::property_tree::xml_parser::xml_parser_error& e) {
+    EXPECT_EQ(e.message(), "cannot open file");
+    EXPECT_EQ(e.filename(), doc);
+  }
+  EXPECT_EQ(read_file(doc), "old");
+  fs::remove(temp);
+
+  chmod(doc.c_str(), 0444);  // read-only is kept, unless root ignores it
+  if (access(doc.c_str(), W_OK) != 0) {
+    EXPECT_ANY_THROW(replace_file(doc, "new"));
+  }
+  expect_untouched();
+}
+
+// A directory that takes no new file gets its writable document rewritten in
+// place. Root can write anywhere, so root tries it as another user.
+TEST_F(replace_file_test, a_closed_directory_gets_the_document_rewritten_in_place) {
+  chmod(doc.c_str(), 0666);
+  chmod(dir.path().c_str(), 0555);
+  const pid_t child = fork();
+  if (child == 0) {
+    if (geteuid() == 0 && setuid(65534) != 0) _exit(3);
+    try {
+      replace_file(doc, "new and longer");
+      replace_file(doc, "short");
+    } catch (...) {
+      _exit(1);
+    }
+    _exit(0);
+  }
+  int status = 0;
+  waitpid(child, &status, 0);
+  chmod(dir.path().c_str(), 0755);
+  EXPECT_EQ(WEXITSTATUS(status), 0);
+  EXPECT_EQ(read_file(doc), "short");
+}
+
+TEST(document_locks, runs_sharing_a_directory_exclude_each_other_unless_both_read) {
+  TempDir dir, other;
+  const std::string a = dir.file("advice.xml"), b = dir.file("perf.xml");
+  fs::create_symlink(b, other.file("perf.xml"));
+  {
+    // Both documents in one directory, one named through a link: locked once.
+    const DOCUMENT_LOCKS held({a, other.file("perf.xml"), a}, lock_mode::exclusive, 0ms);
+    ASSERT_EQ(held.busy_directory(), "");
+    EXPECT_EQ(DOCUMENT_LOCKS({other.file("x.xml"), b}, lock_mode::exclusive, 20ms).busy_directory(),
+              dir.path());
+    EXPECT_NE(DOCUMENT_LOCKS({a}, lock_mode::shared, 0ms).busy_directory(), "");
+  }
+  const DOCUMENT_LOCKS reader({a}, lock_mode::shared, 0ms);
+  EXPECT_EQ(DOCUMENT_LOCKS({b}, lock_mode::shared, 0ms).busy_directory(), "");
+  EXPECT_EQ(DOCUMENT_LOCKS({b}, lock_mode::exclusive, 0ms).busy_directory(), dir.path());
+  EXPECT_EQ(DOCUMENT_LOCKS({dir.file("none/x.xml")}, lock_mode::exclusive, 0ms).busy_directory(),
+            "");
+}
+
+}  // namespace
