@@ -1,0 +1,252 @@
+#include "ADVICE_PERF/xml_read.h"
+
+#include <boost/property_tree/detail/rapidxml.hpp>
+#include <boost/property_tree/xml_parser.hpp>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstring>
+#include <memory>
+#include <string>
+
+using ptree = boost::property_tree::ptree;
+namespace rapidxml = boost::property_tree::detail::rapidxml;
+namespace xml_parser = boost::property_tree::xml_parser;
+
+namespace {
+
+// The flags read_xml gives the parser for trim_whitespace without no_comments.
+constexpr int parse_flags = rapidxml::parse_normalize_whitespace | rapidxml::parse_trim_whitespace |
+                            rapidxml::parse_comment_nodes;
+
+// A file's text up to its first NUL byte, NUL-terminated.
+struct FILE_TEXT {
+  std::unique_ptr<char[]> text;
+  std::size_t size = 0;
+};
+
+class FILE_DESCRIPTOR {
+ public:
+  explicit FILE_DESCRIPTOR(const char* file_name) : fd(open(file_name, O_RDONLY | O_CLOEXEC)) {}
+  ~FILE_DESCRIPTOR() {
+    if (fd >= 0) close(fd);
+  }
+  FILE_DESCRIPTOR(const FILE_DESCRIPTOR&) = delete;
+  FILE_DESCRIPTOR& operator=(const FILE_DESCRIPTOR&) = delete;
+  const int fd;
+};
+
+// Reads the file, growing the buffer as needed; false when it can't be opened
+// or read, or holds more than max_xml_file_bytes before its first NUL byte.
+bool load(const char* file_name, FILE_TEXT& file) {
+  const FILE_DESCRIPTOR input(file_name);
+  if (input.fd < 0) return false;
+  struct stat status {};
+  std::size_t capacity = 64 * 1024;
+  if (fstat(input.fd, &status) == 0 && S_ISREG(status.st_mode) && status.st_size > 0)
+    capacity = std::min<std::size_t>(status.st_size, max_xml_file_bytes) + 1;
+  file.text = std::make_unique_for_overwrite<char[]>(capacity);
+  for (;;) {
+    if (file.size + 1 == capacity) {
+      if (capacity > max_xml_file_bytes) return false;
+      const std::size_t larger = std::min(capacity * 2, max_xml_file_bytes + 1);
+      auto grown = std::make_unique_for_overwrite<char[]>(larger);
+      std::memcpy(grown.get(), file.text.get(), file.size);
+      file.text = std::move(grown);
+      capacity = larger;
+    }
+    const ssize_t got = read(input.fd, file.text.get() + file.size, capacity - 1 - file.size);
+    if (got < 0) return false;
+    if (got == 0) break;
+    const char* nul = static_cast<const char*>(std::memchr(file.text.get() + file.size, 0, got));
+    file.size += got;
+    if (nul) break;
+  }
+  file.text[file.size] = '\0';
+  return true;
+}
+
+// Whether the parser would nest elements deeper than max_xml_depth. Follows
+// the parser's own lexical rules and character tables; at the first error it
+// stops and leaves the verdict to the parser, which fails at that point too.
+class DEPTH_SCAN {
+ public:
+  explicit DEPTH_SCAN(const char* text) : p(reinterpret_cast<const unsigned char*>(text)) {}
+
+  bool too_deep() {
+    if (p[0] == 0xEF && p[1] == 0xBB && p[2] == 0xBF) p += 3;
+    int depth = 0;
+    for (;;) {
+      skip(tables::lookup_whitespace);
+      if (*p == 0) return false;
+      if (*p != '<') {
+        if (depth == 0) return false;
+        skip(tables::lookup_text);
+        continue;
+      }
+      if (depth > 0 && p[1] == '/') {
+        p += 2;
+        skip(tables::lookup_node_name);
+        skip(tables::lookup_whitespace);
+        if (*p != '>') return false;
+        ++p;
+        --depth;
+        continue;
+      }
+      ++p;
+      switch (node()) {
+        case OPENED:
+          if (++depth > max_xml_depth) return true;
+          break;
+        case ERROR:
+          return false;
+        case FLAT:
+          break;
+      }
+    }
+  }
+
+ private:
+  using tables = rapidxml::internal::lookup_tables<0>;
+  enum NODE { FLAT, OPENED, ERROR };
+
+  void skip(const unsigned char* table) {
+    while (table[*p])
+      ++p;
+  }
+  bool starts(const char* word) const {
+    return std::strncmp(reinterpret_cast<const char*>(p), word, std::strlen(word)) == 0;
+  }
+  NODE skip_opening_to(std::size_t opening, const char* end) {
+    p += opening;
+    while (!starts(end)) {
+      if (*p == 0) return ERROR;
+      ++p;
+    }
+    p += std::strlen(end);
+    return FLAT;
+  }
+
+  // One node behind its '<'. Each kind's end is searched for behind its
+  // opening, as the parser does.
+  NODE node() {
+    if (*p == '?') return skip_opening_to(1, "?>");
+    if (*p != '!') return element();
+    if (starts("!--")) return skip_opening_to(3, "-->");
+    if (starts("![CDATA[")) return skip_opening_to(8, "]]>");
+    if (starts("!DOCTYPE") && tables::lookup_whitespace[p[8]]) {
+      p += 9;
+      return doctype();
+    }
+    return skip_opening_to(1, ">");
+  }
+
+  NODE doctype() {
+    while (*p != '>') {
+      if (*p == 0) return ERROR;
+      if (*p++ != '[') continue;
+      for (int depth = 1; depth > 0; ++p) {
+        if (*p == 0) return ERROR;
+        depth += *p == '[' ? 1 : *p == ']' ? -1 : 0;
+      }
+    }
+    ++p;
+    return FLAT;
+  }
+
+  NODE element() {
+    const unsigned char* name = p;
+    skip(tables::lookup_node_name);
+    if (p == name) return ERROR;
+    skip(tables::lookup_whitespace);
+    while (tables::lookup_attribute_name[*p]) {
+      skip(tables::lookup_attribute_name);
+      skip(tables::lookup_whitespace);
+      if (*p++ != '=') return ERROR;
+      skip(tables::lookup_whitespace);
+      const unsigned char quote = *p;
+      if (quote != '\'' && quote != '"') return ERROR;
+      ++p;
+      while (*p != quote) {
+        if (*p == 0) return ERROR;
+        ++p;
+      }
+      ++p;
+      skip(tables::lookup_whitespace);
+    }
+    if (*p == '>') {
+      ++p;
+      return OPENED;
+    }
+    if (p[0] == '/' && p[1] == '>') {
+      p += 2;
+      return FLAT;
+    }
+    return ERROR;
+  }
+
+  const unsigned char* p;
+};
+
+// The attributes of an element as read_xml stores them.
+void add_attributes(const rapidxml::xml_node<char>& node, ptree& tree) {
+  if (!node.first_attribute()) return;
+  ptree& attributes = tree.push_back({xml_parser::xmlattr<std::string>(), ptree()})->second;
+  for (const auto* attribute = node.first_attribute(); attribute;
+       attribute = attribute->next_attribute())
+    attributes.push_back(
+        {attribute->name(), ptree(std::string(attribute->value(), attribute->value_size()))});
+}
+
+// Adds an element as read_xml would, leaving out the elements below it that
+// kept doesn't name, and with them their contents.
+void add_kept(const rapidxml::xml_node<char>& node, const KEPT_ELEMENT& kept, ptree& parent) {
+  ptree& tree = parent.push_back({node.name(), ptree()})->second;
+  add_attributes(node, tree);
+  for (const auto* child = node.first_node(); child; child = child->next_sibling()) {
+    if (child->type() == rapidxml::node_data || child->type() == rapidxml::node_cdata) {
+      tree.data().append(child->value(), child->value_size());
+    } else if (child->type() == rapidxml::node_element) {
+      const std::string_view name(child->name(), child->name_size());
+      for (const auto& kept_child : kept.children)
+        if (kept_child.name == name) add_kept(*child, kept_child, tree);
+    }
+  }
+}
+
+// A top-level node: root with its kept elements, any other element and every
+// comment without contents.
+void add_top_level(const rapidxml::xml_node<char>& node, const KEPT_ELEMENT& root, ptree& tree) {
+  if (node.type() == rapidxml::node_element) {
+    if (std::string_view(node.name(), node.name_size()) == root.name)
+      add_kept(node, root, tree);
+    else
+      tree.push_back({node.name(), ptree()});
+  } else if (node.type() == rapidxml::node_comment) {
+    tree.push_back({xml_parser::xmlcomment<std::string>(), ptree()});
+  }
+}
+
+}  // namespace
+
+ptree read_xml_file(const char* file_name, const KEPT_ELEMENT* root) {
+  ptree tree;
+  try {
+    FILE_TEXT file;
+    if (!load(file_name, file) || DEPTH_SCAN(file.text.get()).too_deep()) return tree;
+    auto document = std::make_unique<rapidxml::xml_document<char>>();
+    document->parse<parse_flags>(file.text.get());
+    for (auto* node = document->first_node(); node; node = node->next_sibling()) {
+      if (root)
+        add_top_level(*node, *root, tree);
+      else
+        xml_parser::read_xml_node(node, tree, xml_parser::trim_whitespace);
+    }
+  } catch (...) {
+    // A file that isn't well-formed, or too large for memory, counts as empty.
+    tree.clear();
+  }
+  return tree;
+}
