@@ -51,6 +51,28 @@ TEST(convert, reads_and_writes_as_a_hex_stream_does) {
   EXPECT_EQ(convert<std::string>(int32_t{-2}), "0xfffffffe");
 }
 
+// Nesting up to the bound is read, deeper is not; the nesting is counted as
+// the parser nests, past what comments, sections and attribute values hold.
+// Endless devices and directories are empty at once.
+TEST(read_xml_file, nesting_and_endless_input_are_bounded) {
+  TempDir dir;
+  const std::string path = dir.file("nested.xml");
+  const auto nested = [](int depth) {
+    std::string xml;
+    for (int level = 0; level < depth; ++level)
+      xml += "<a x=\"/>\" y='>'><!-- <b> --><![CDATA[<c>]]><?p <d> ?><!x <e>><f/>text";
+    for (int level = 0; level < depth; ++level)
+      xml += "</a >";
+    return xml;
+  };
+  write_file(path, nested(max_xml_depth));
+  EXPECT_FALSE(read_xml_file(path.c_str()).empty());
+  write_file(path, nested(max_xml_depth + 1));
+  EXPECT_TRUE(read_xml_file(path.c_str()).empty());
+  EXPECT_TRUE(read_xml_file("/dev/zero").empty());
+  EXPECT_TRUE(read_xml_file(dir.path().c_str()).empty());
+}
+
 class document_frame : public ::testing::Test {
  protected:
   TempDir dir;
