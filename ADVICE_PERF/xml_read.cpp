@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <cstring>
+#include <deque>
 #include <memory>
 #include <string>
 
@@ -190,44 +191,62 @@ class DEPTH_SCAN {
   const unsigned char* p;
 };
 
-// The attributes of an element as read_xml stores them.
-void add_attributes(const rapidxml::xml_node<char>& node, ptree& tree) {
-  if (!node.first_attribute()) return;
-  ptree& attributes = tree.push_back({xml_parser::xmlattr<std::string>(), ptree()})->second;
-  for (const auto* attribute = node.first_attribute(); attribute;
-       attribute = attribute->next_attribute())
-    attributes.push_back(
-        {attribute->name(), ptree(std::string(attribute->value(), attribute->value_size()))});
-}
+// Builds the kept part of a document. Trees go into a tree only by copy, so a
+// new element is copied from an empty one of its name kept at hand rather than
+// from a fresh temporary, which would cost two more allocations and frees.
+class KEPT_TREE {
+ public:
+  explicit KEPT_TREE(const KEPT_ELEMENT& root) : root(root) {}
 
-// Adds an element as read_xml would, leaving out the elements below it that
-// kept doesn't name, and with them their contents.
-void add_kept(const rapidxml::xml_node<char>& node, const KEPT_ELEMENT& kept, ptree& parent) {
-  ptree& tree = parent.push_back({node.name(), ptree()})->second;
-  add_attributes(node, tree);
-  for (const auto* child = node.first_node(); child; child = child->next_sibling()) {
-    if (child->type() == rapidxml::node_data || child->type() == rapidxml::node_cdata) {
-      tree.data().append(child->value(), child->value_size());
-    } else if (child->type() == rapidxml::node_element) {
-      const std::string_view name(child->name(), child->name_size());
-      for (const auto& kept_child : kept.children)
-        if (kept_child.name == name) add_kept(*child, kept_child, tree);
+  // A top-level node: root with its kept elements, any other element and
+  // every comment without contents.
+  void add_top_level(const rapidxml::xml_node<char>& node, ptree& tree) {
+    if (node.type() == rapidxml::node_element) {
+      if (std::string_view(node.name(), node.name_size()) == root.name)
+        add_kept(node, root, tree);
+      else
+        add(tree, node.name());
+    } else if (node.type() == rapidxml::node_comment) {
+      add(tree, xml_parser::xmlcomment<std::string>());
     }
   }
-}
 
-// A top-level node: root with its kept elements, any other element and every
-// comment without contents.
-void add_top_level(const rapidxml::xml_node<char>& node, const KEPT_ELEMENT& root, ptree& tree) {
-  if (node.type() == rapidxml::node_element) {
-    if (std::string_view(node.name(), node.name_size()) == root.name)
-      add_kept(node, root, tree);
-    else
-      tree.push_back({node.name(), ptree()});
-  } else if (node.type() == rapidxml::node_comment) {
-    tree.push_back({xml_parser::xmlcomment<std::string>(), ptree()});
+ private:
+  static constexpr std::size_t most_names = 16;
+
+  ptree& add(ptree& parent, std::string_view name) {
+    for (const auto& empty : empties)
+      if (empty.first == name) return parent.push_back(empty)->second;
+    if (empties.size() == most_names) return parent.push_back({std::string(name), ptree()})->second;
+    return parent.push_back(empties.emplace_back(std::string(name), ptree()))->second;
   }
-}
+
+  // Adds an element as read_xml would, leaving out the elements below it
+  // that kept doesn't name, and with them their contents.
+  void add_kept(const rapidxml::xml_node<char>& node, const KEPT_ELEMENT& kept, ptree& parent) {
+    ptree& tree = add(parent, node.name());
+    if (node.first_attribute()) {
+      ptree& attributes = add(tree, xml_parser::xmlattr<std::string>());
+      for (const auto* attribute = node.first_attribute(); attribute;
+           attribute = attribute->next_attribute())
+        add(attributes, attribute->name())
+            .data()
+            .assign(attribute->value(), attribute->value_size());
+    }
+    for (const auto* child = node.first_node(); child; child = child->next_sibling()) {
+      if (child->type() == rapidxml::node_data || child->type() == rapidxml::node_cdata) {
+        tree.data().append(child->value(), child->value_size());
+      } else if (child->type() == rapidxml::node_element) {
+        const std::string_view name(child->name(), child->name_size());
+        for (const auto& kept_child : kept.children)
+          if (kept_child.name == name) add_kept(*child, kept_child, tree);
+      }
+    }
+  }
+
+  const KEPT_ELEMENT& root;
+  std::deque<ptree::value_type> empties;  // a deque keeps references valid
+};
 
 }  // namespace
 
@@ -238,10 +257,12 @@ ptree read_xml_file(const char* file_name, const KEPT_ELEMENT* root) {
     if (!load(file_name, file) || DEPTH_SCAN(file.text.get()).too_deep()) return tree;
     auto document = std::make_unique<rapidxml::xml_document<char>>();
     document->parse<parse_flags>(file.text.get());
-    for (auto* node = document->first_node(); node; node = node->next_sibling()) {
-      if (root)
-        add_top_level(*node, *root, tree);
-      else
+    if (root) {
+      KEPT_TREE kept(*root);
+      for (const auto* node = document->first_node(); node; node = node->next_sibling())
+        kept.add_top_level(*node, tree);
+    } else {
+      for (auto* node = document->first_node(); node; node = node->next_sibling())
         xml_parser::read_xml_node(node, tree, xml_parser::trim_whitespace);
     }
   } catch (...) {
