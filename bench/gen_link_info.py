@@ -14,15 +14,20 @@ SECTIONS = [".text", ".text", ".text", ".const", ".data", ".cinit", ".bss", ".st
 UNINITIALIZED = {".bss", ".stack", ".sysmem"}
 
 
+def placed(rng, element, number, name, size):
+    """The opening lines an object component and a logical group share."""
+    address = rng.randint(0, 0xFFFFFF) & ~3
+    prefix = "oc" if element == "object_component" else "lg"
+    return [f'\t\t<{element} id="{prefix}-{number}">', f"\t\t\t<name>{name}</name>",
+            f"\t\t\t<load_address>0x{address:x}</load_address>",
+            f"\t\t\t<run_address>0x{address:x}</run_address>", f"\t\t\t<size>0x{size:x}</size>"]
+
+
 def component(rng, number, section, files):
     size = rng.randint(2, 0x4000)
-    address = rng.randint(0, 0xFFFFFF) & ~3
-    lines = [f'\t\t<object_component id="oc-{number}">',
-             f"\t\t\t<name>{section}:fn_{rng.getrandbits(32):08x}</name>",
-             f"\t\t\t<load_address>0x{address:x}</load_address>",
-             f"\t\t\t<run_address>0x{address:x}</run_address>",
-             f"\t\t\t<size>0x{size:x}</size>",
-             f"\t\t\t<alignment>0x{rng.choice((1, 2, 4, 8)):x}</alignment>"]
+    name = f"{section}:fn_{rng.getrandbits(32):08x}"
+    lines = placed(rng, "object_component", number, name, size)
+    lines.append(f"\t\t\t<alignment>0x{rng.choice((1, 2, 4, 8)):x}</alignment>")
     if section in UNINITIALIZED:
         lines.append("\t\t\t<uninitialized>true</uninitialized>")
     lines.append(f'\t\t\t<input_file_ref idref="fl-{rng.randint(1, files)}"/>')
@@ -31,13 +36,7 @@ def component(rng, number, section, files):
 
 
 def group(rng, number, section, refs, size):
-    address = rng.randint(0, 0xFFFFFF) & ~3
-    lines = [f'\t\t<logical_group id="lg-{number}">',
-             f"\t\t\t<name>{section}</name>",
-             f"\t\t\t<load_address>0x{address:x}</load_address>",
-             f"\t\t\t<run_address>0x{address:x}</run_address>",
-             f"\t\t\t<size>0x{size:x}</size>",
-             "\t\t\t<contents>"]
+    lines = placed(rng, "logical_group", number, section, size) + ["\t\t\t<contents>"]
     lines += [f'\t\t\t\t<object_component_ref idref="oc-{ref}"/>' for ref in refs]
     lines += ["\t\t\t</contents>", "\t\t</logical_group>"]
     return "\n".join(lines) + "\n"
