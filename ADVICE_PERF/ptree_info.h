@@ -67,7 +67,8 @@ class PTREE_INFO {
   uint64_t get_timestamp() const { return timestamp; }
 
  protected:
-  // The elements input keeps of the file; nullptr keeps the whole document.
+  // The elements input keeps of the file (not owned; lives for the whole
+  // run); nullptr keeps the whole document.
   virtual const KEPT_ELEMENT* kept_elements() const { return nullptr; }
   virtual void read_body() = 0;
   virtual void write_body() = 0;

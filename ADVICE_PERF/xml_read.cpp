@@ -7,6 +7,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstring>
 #include <deque>
 #include <memory>
@@ -44,10 +45,14 @@ class FILE_DESCRIPTOR {
 bool load(const char* file_name, FILE_TEXT& file) {
   const FILE_DESCRIPTOR input(file_name);
   if (input.fd < 0) return false;
+  // Room for a regular file, the end-of-file read and the terminator, so
+  // that the buffer grows only when the file does while it is read.
   struct stat status {};
   std::size_t capacity = 64 * 1024;
-  if (fstat(input.fd, &status) == 0 && S_ISREG(status.st_mode) && status.st_size > 0)
-    capacity = std::min<std::size_t>(status.st_size, max_xml_file_bytes) + 1;
+  if (fstat(input.fd, &status) == 0 && S_ISREG(status.st_mode)) {
+    if (static_cast<std::size_t>(status.st_size) > max_xml_file_bytes) return false;
+    capacity = std::max<std::size_t>(status.st_size + 2, capacity);
+  }
   file.text = std::make_unique_for_overwrite<char[]>(capacity);
   for (;;) {
     if (file.size + 1 == capacity) {

@@ -28,5 +28,6 @@ struct KEPT_ELEMENT {
 // or isn't well-formed. With root set, only a top-level element of root's name
 // gets content, and only the kept elements below it; other top-level nodes
 // are kept empty, so a file counts as empty exactly when read_xml's tree is.
+// root is not owned and is read during the call only.
 boost::property_tree::ptree read_xml_file(const char* file_name,
                                           const KEPT_ELEMENT* root = nullptr);
