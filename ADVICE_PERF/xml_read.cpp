@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
 #include <deque>
 #include <memory>
@@ -24,7 +25,7 @@ namespace {
 constexpr int parse_flags = rapidxml::parse_normalize_whitespace | rapidxml::parse_trim_whitespace |
                             rapidxml::parse_comment_nodes;
 
-// A file's text up to its first NUL byte, NUL-terminated.
+// A file's text, read to its end or to its first NUL byte, NUL-terminated.
 struct FILE_TEXT {
   std::unique_ptr<char[]> text;
   std::size_t size = 0;
@@ -65,6 +66,7 @@ bool load(const char* file_name, FILE_TEXT& file) {
       capacity = larger;
     }
     const ssize_t got = read(input.fd, file.text.get() + file.size, capacity - 1 - file.size);
+    if (got < 0 && errno == EINTR) continue;
     if (got < 0) return false;
     if (got == 0) break;
     const char* nul = static_cast<const char*>(std::memchr(file.text.get() + file.size, 0, got));
