@@ -2,6 +2,42 @@
 
 #include <utility>
 
+namespace {
+
+// The elements the link data reads; the file's many others are left unbuilt.
+constexpr KEPT_ELEMENT component[] = {{"uninitialized", {}}};
+constexpr KEPT_ELEMENT components[] = {{"object_component", component}};
+constexpr KEPT_ELEMENT reference[] = {{"object_component_ref", {}}};
+constexpr KEPT_ELEMENT group[] = {{"size", {}}, {"name", {}}, {"contents", reference}};
+constexpr KEPT_ELEMENT groups[] = {{"logical_group", group}};
+constexpr KEPT_ELEMENT link_info[] = {
+    {"version", {}},
+    {"link_time", {}},
+    {"link_errors", {}},
+    {"object_component_list", components},
+    {"logical_group_list", groups},
+};
+constexpr KEPT_ELEMENT root{"link_info", link_info};
+
+const std::string attributes_key = "<xmlattr>";
+
+// The child of element named key, found with one look-up. A missing child
+// throws what a path look-up throws, so path names it in the message.
+const ptree& child(const ptree& element, const std::string& key, const char* path) {
+  const auto found = element.find(key);
+  return found != element.not_found() ? found->second : element.get_child(path);
+}
+
+const std::string& text(const ptree& element, const std::string& key) {
+  return child(element, key, key.c_str()).data();
+}
+
+const std::string& attribute(const ptree& element, const std::string& key, const char* path) {
+  return child(child(element, attributes_key, path), key, path).data();
+}
+
+}  // namespace
+
 LINK_DATA::LINK_DATA(const char* file_name) : PTREE_INFO(file_name) {
   version = 1;
   init();
@@ -12,6 +48,10 @@ LINK_DATA::~LINK_DATA() = default;
 void LINK_DATA::init() {
   input();
   set_code_size();
+}
+
+const KEPT_ELEMENT* LINK_DATA::kept_elements() const {
+  return &root;
 }
 
 int32_t LINK_DATA::read_version() {
@@ -35,25 +75,29 @@ void LINK_DATA::read_body() {
 void LINK_DATA::write_body() {}
 
 void LINK_DATA::read_object_components(const ptree& list) {
+  static const std::string id = "id", uninitialized = "uninitialized";
   for (const auto& [name, component] : list) {
     if (name != "object_component") continue;
-    std::string id = component.get<std::string>("<xmlattr>.id");
-    const bool uninitialized = component.get("uninitialized", false);
-    object_components.emplace(std::move(id), uninitialized);
+    const std::string& key = attribute(component, id, "<xmlattr>.id");
+    const auto flag = component.find(uninitialized);
+    const bool is_uninitialized = flag != component.not_found() && flag->second.get_value(false);
+    object_components.emplace(key, is_uninitialized);
   }
 }
 
 void LINK_DATA::read_logical_groups(const ptree& list) {
-  for (const auto& [name, group] : list) {
-    if (name != "logical_group") continue;
-    std::string id = group.get<std::string>("<xmlattr>.id");
+  static const std::string id = "id", idref = "idref", size = "size", name = "name",
+                           contents = "contents";
+  for (const auto& [group_name, group] : list) {
+    if (group_name != "logical_group") continue;
+    const std::string& key = attribute(group, id, "<xmlattr>.id");
     SECT_INFO sect;
-    sect.size = convert<int32_t>(group.get<std::string>("size"));
-    sect.name = group.get<std::string>("name");
-    for (const auto& [ref_name, ref] : group.get_child("contents"))
+    sect.size = convert<int32_t>(text(group, size));
+    sect.name = text(group, name);
+    for (const auto& [ref_name, ref] : child(group, contents, "contents"))
       if (ref_name == "object_component_ref")
-        sect.components.insert(ref.get<std::string>("<xmlattr>.idref"));
-    sections.emplace(std::move(id), std::move(sect));
+        sect.components.insert(attribute(ref, idref, "<xmlattr>.idref"));
+    sections.emplace(key, std::move(sect));
   }
 }
 

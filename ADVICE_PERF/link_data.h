@@ -31,6 +31,7 @@ class LINK_DATA : public PTREE_INFO {
   int32_t get_link_errors() const { return link_errors; }
 
  protected:
+  const KEPT_ELEMENT* kept_elements() const override;
   void read_body() override;
   void write_body() override;
   int32_t read_version() override;

@@ -6,9 +6,7 @@
 #include <boost/property_tree/xml_parser.hpp>
 
 #include <ctime>
-#include <fstream>
-#include <locale>
-#include <optional>
+#include <sstream>
 
 namespace xml_parser = boost::property_tree::xml_parser;
 
@@ -17,16 +15,8 @@ uint64_t new_timestamp() {
   return now;
 }
 
-ptree XML_PTREE::read() const {
-  ptree tree;
-  if (!std::ifstream(file_name)) return tree;
-  try {
-    xml_parser::read_xml(file_name, tree, xml_parser::trim_whitespace, std::locale());
-  } catch (...) {
-    // An unreadable document counts as an empty one.
-    tree.clear();
-  }
-  return tree;
+ptree XML_PTREE::read(const KEPT_ELEMENT* kept) const {
+  return read_xml_file(file_name, kept);
 }
 
 void XML_PTREE::write(const ptree& tree) const {
@@ -44,7 +34,7 @@ PTREE_INFO::~PTREE_INFO() {
 }
 
 void PTREE_INFO::input() {
-  pt = xml->read();
+  xml->read(kept_elements()).swap(pt);
   if (pt.empty()) return;
   file_version = read_version();
   timestamp = convert<uint64_t>(read_timestamp());

@@ -3,12 +3,14 @@
 // and writing one back, the version and time stamp that head the tool's own
 // documents, and the one numeric text format of times, sizes and counts.
 
+#include "ADVICE_PERF/hex_number.h"
+#include "ADVICE_PERF/xml_read.h"
+
 #include <boost/property_tree/ptree.hpp>
 
 #include <cstdint>
-#include <ios>
-#include <sstream>
 #include <string>
+#include <string_view>
 #include <type_traits>
 
 using ptree = boost::property_tree::ptree;
@@ -16,19 +18,14 @@ using ptree = boost::property_tree::ptree;
 // Converts between a number and its text: hexadecimal with the base shown.
 // Writing gives lower-case digits behind "0x" ("0" for zero); reading takes
 // hexadecimal digits with or without "0x", stops at the first character that
-// can't belong to the number, and gives 0 for text that isn't a number.
+// can't belong to the number, and gives 0 for text that isn't a number
+// (hex_number.h has the details).
 template <typename Target, typename Source>
 Target convert(const Source& value) {
-  std::stringstream stream;
-  stream.flags(std::ios::hex | std::ios::showbase);
-  stream << value;
-  if constexpr (std::is_same_v<Target, std::string>) {
-    return stream.str();
-  } else {
-    Target result{};
-    stream >> result;
-    return result;
-  }
+  if constexpr (std::is_same_v<Target, std::string>)
+    return hex_number::write(value);
+  else
+    return hex_number::read<Target>(std::string_view(value));
 }
 
 // Seconds since the Unix epoch at the first call; later calls return the same
@@ -41,8 +38,9 @@ class XML_PTREE {
   explicit XML_PTREE(const char* file_name) : file_name(file_name) {}
   virtual ~XML_PTREE() = default;
 
-  // The file's tree; an empty tree when the file can't be opened or parsed.
-  ptree read() const;
+  // The file's tree (with kept set, only the elements it names; see
+  // read_xml_file); an empty tree when the file can't be opened or parsed.
+  ptree read(const KEPT_ELEMENT* kept = nullptr) const;
   // Replaces the file with the tree, as strict XML 1.0 (see strict_xml_text),
   // through replace_file; failures throw xml_parser_error.
   void write(const ptree& tree) const;
@@ -70,6 +68,9 @@ class PTREE_INFO {
   uint64_t get_timestamp() const { return timestamp; }
 
  protected:
+  // The elements input keeps of the file (not owned; lives for the whole
+  // run); nullptr keeps the whole document.
+  virtual const KEPT_ELEMENT* kept_elements() const { return nullptr; }
   virtual void read_body() = 0;
   virtual void write_body() = 0;
   // The version in pt, or -1 when it is missing or isn't an integer.

@@ -15,6 +15,7 @@ have_file /usr/include/boost/property_tree/ptree.hpp || missing+=(libboost-dev)
 have_file /usr/include/gtest/gtest.h                 || missing+=(libgtest-dev)
 have_file /usr/include/gmock/gmock.h                 || missing+=(libgmock-dev)
 have_file /usr/include/benchmark/benchmark.h         || missing+=(libbenchmark-dev)
+have_file /usr/include/mimalloc.h                    || missing+=(libmimalloc-dev)
 
 if [ ${#missing[@]} -eq 0 ]; then
     exit 0

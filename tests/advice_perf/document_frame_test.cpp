@@ -15,14 +15,62 @@
 
 namespace {
 
-TEST(convert, hexadecimal_with_or_without_prefix) {
-  EXPECT_EQ(convert<int32_t>(std::string("0x10")), 16);
-  EXPECT_EQ(convert<int32_t>(std::string("10")), 16);
-  EXPECT_EQ(convert<int32_t>(std::string("-1")), -1);
-  EXPECT_EQ(convert<int32_t>(std::string("12g3")), 0x12);
-  EXPECT_EQ(convert<uint64_t>(std::string("zz")), 0u);
+// The results an iostream set to hex | showbase gives, odd inputs included.
+TEST(convert, reads_and_writes_as_a_hex_stream_does) {
+  const struct {
+    const char* text;
+    int32_t as_int32;
+    uint64_t as_uint64;
+  } cases[] = {
+      {"0x10", 16, 0x10},
+      {"10", 16, 0x10},
+      {"0X1F", 31, 0x1f},
+      {"-1", -1, ~uint64_t{0}},
+      {"+7", 7, 7},
+      {"12g3", 18, 0x12},
+      {"1.5", 1, 1},
+      {"zz", 0, 0},
+      {"", 0, 0},
+      {" 1", 0, 0},
+      {"0x", 0, 0},
+      {"-0x", 0, 0},
+      {"+-1", 0, 0},
+      {"00x5", 0, 0},
+      {"0x0x5", 0, 0},
+      {"80000000", INT32_MAX, 0x80000000},
+      {"-80000001", INT32_MIN, 0xffffffff7fffffff},
+      {"10000000000000000", INT32_MAX, ~uint64_t{0}},
+      {"-ffffffff", INT32_MIN, 0xffffffff00000001},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(convert<int32_t>(std::string(c.text)), c.as_int32) << c.text;
+    EXPECT_EQ(convert<uint64_t>(std::string(c.text)), c.as_uint64) << c.text;
+  }
   EXPECT_EQ(convert<std::string>(uint64_t{0}), "0");
   EXPECT_EQ(convert<std::string>(uint64_t{0xABCDEF}), "0xabcdef");
+  EXPECT_EQ(convert<std::string>(int32_t{-2}), "0xfffffffe");
+}
+
+// Nesting up to the bound is read, deeper is not; the nesting is counted as
+// the parser nests, past what comments, sections and attribute values hold.
+// Endless devices and directories are empty at once.
+TEST(read_xml_file, nesting_and_endless_input_are_bounded) {
+  TempDir dir;
+  const std::string path = dir.file("nested.xml");
+  const auto nested = [](int depth) {
+    std::string xml;
+    for (int level = 0; level < depth; ++level)
+      xml += "<a x=\"/>\" y='>'><!-- <b> --><![CDATA[<c>]]><?p <d> ?><!x <e>><f/>text";
+    for (int level = 0; level < depth; ++level)
+      xml += "</a >";
+    return xml;
+  };
+  write_file(path, nested(max_xml_depth));
+  EXPECT_FALSE(read_xml_file(path.c_str()).empty());
+  write_file(path, nested(max_xml_depth + 1));
+  EXPECT_TRUE(read_xml_file(path.c_str()).empty());
+  EXPECT_TRUE(read_xml_file("/dev/zero").empty());
+  EXPECT_TRUE(read_xml_file(dir.path().c_str()).empty());
 }
 
 class document_frame : public ::testing::Test {

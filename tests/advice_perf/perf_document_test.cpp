@@ -110,4 +110,17 @@ TEST_F(perf_document, an_unparsable_document_or_one_without_chart_gets_the_defau
   }
 }
 
+TEST_F(perf_document, files_nested_deeper_than_the_reader_takes_are_empty_documents) {
+  plain_run();
+  const std::string first_results = read_file(results_path), first_advice = read_file(advice_path);
+  std::string deep;
+  for (int level = 0; level < 30000; ++level)
+    deep += "<body>";
+  for (const std::string& path : {link_path, advice_path, results_path})
+    write_file(path, deep);
+  plain_run();
+  EXPECT_EQ(read_file(results_path), first_results);
+  EXPECT_EQ(read_file(advice_path), first_advice);
+}
+
 }  // namespace
