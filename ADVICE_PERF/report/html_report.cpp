@@ -66,8 +66,8 @@ void add_bar(ptree& svg, const std::string& key, const PERF_INFO& bar, double x,
   attr(rect, "width", number(bar_width));
   attr(rect, "height", number(height));
   attr(rect, "fill", bar.color);
-  element(rect, "title", key + ": " + std::to_string(bar.value) + " bytes, " +
-                             bar_meaning(bar.color));
+  element(rect, "title",
+          key + ": " + std::to_string(bar.value) + " bytes, " + bar_meaning(bar.color));
   const std::string centre = number(x + bar_width / 2);
   auto label = [&](const char* kind, const std::string& text, double at) {
     attr(attr(attr(element(group, "text", text), "class", kind), "x", centre), "y", number(at));

@@ -56,8 +56,8 @@ void print_chart(std::ostream& out, const PERF_RESULTS& results, bool colour) {
     const char* off = *on ? "\033[0m" : "";
     out << "  " << std::left << std::setw(static_cast<int>(key_width)) << key << "  " << on
         << std::string(columns, '#') << off << std::string(bar_columns - columns, ' ') << ' '
-        << std::right << std::setw(10) << bar.value << "  " << on << bar_meaning(bar.color)
-        << off << '\n';
+        << std::right << std::setw(10) << bar.value << "  " << on << bar_meaning(bar.color) << off
+        << '\n';
   }
 }
 
