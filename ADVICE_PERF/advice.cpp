@@ -1,5 +1,7 @@
 #include "ADVICE_PERF/advice.h"
 
+#include "ADVICE_PERF/link_data.h"
+
 #include <cstdio>
 #include <utility>
 
@@ -8,6 +10,8 @@ ADVICE::ADVICE(const char* file_name, const LINK_DATA& link_data)
   version = 1;
   init();
 }
+
+ADVICE::ADVICE(const char* file_name) : ADVICE(file_name, LINK_DATA::none()) {}
 
 ADVICE::~ADVICE() = default;
 

@@ -30,6 +30,8 @@ class ADVICE : public PTREE_INFO {
 
   // Reads the file; the link data must be complete and outlive this object.
   ADVICE(const char* file_name, const LINK_DATA& link_data);
+  // Reads the file for a reader that never updates nor writes it.
+  explicit ADVICE(const char* file_name);
   ~ADVICE() override;
 
   // Runs the rules of a run (the settings entry always, the others only when

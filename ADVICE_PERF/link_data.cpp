@@ -45,6 +45,11 @@ LINK_DATA::LINK_DATA(const char* file_name) : PTREE_INFO(file_name) {
 
 LINK_DATA::~LINK_DATA() = default;
 
+const LINK_DATA& LINK_DATA::none() {
+  static const LINK_DATA nothing("");  // no file has an empty name
+  return nothing;
+}
+
 void LINK_DATA::init() {
   input();
   set_code_size();

@@ -23,6 +23,9 @@ class LINK_DATA : public PTREE_INFO {
   explicit LINK_DATA(const char* file_name);
   ~LINK_DATA() override;
 
+  // The link data of no link, for a document that is only read.
+  static const LINK_DATA& none();
+
   // Seconds since the Unix epoch of the link.
   uint64_t get_link_time() const { return timestamp; }
   // Bytes of the initialized non-debug groups; 0 when nothing was counted.

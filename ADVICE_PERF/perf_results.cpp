@@ -1,9 +1,17 @@
 #include "ADVICE_PERF/perf_results.h"
 
+#include "ADVICE_PERF/link_data.h"
+
 PERF_RESULTS::PERF_RESULTS(const char* file_name, const LINK_DATA& link_data, ADVICE* advice)
     : PTREE_INFO(file_name), advice(advice), link_data(link_data) {
   version = 1;
   init();
+}
+
+PERF_RESULTS::PERF_RESULTS(const char* file_name)
+    : PTREE_INFO(file_name), advice(nullptr), link_data(LINK_DATA::none()) {
+  version = 1;
+  input();
 }
 
 PERF_RESULTS::~PERF_RESULTS() = default;

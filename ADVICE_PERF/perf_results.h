@@ -34,11 +34,17 @@ class PERF_RESULTS : public PTREE_INFO {
   // the chart's labels. The link data must be complete and outlive this
   // object; the advice must exist.
   PERF_RESULTS(const char* file_name, const LINK_DATA& link_data, ADVICE* advice);
+  // Reads the file for a reader that never updates nor writes it: no
+  // benchmark options are looked at and the chart's labels stay as read.
+  explicit PERF_RESULTS(const char* file_name);
   ~PERF_RESULTS() override;
 
   // Applies this run's benchmark event, if any, to the chart and the advice,
   // and fills the menu.
   void update();
+
+  const CHART_INFO& get_chart() const { return chart; }
+  const bar_map& get_bars() const { return bars; }
 
  protected:
   void read_body() override;

@@ -10,12 +10,14 @@ have_cmd g++     || missing+=(g++)
 have_cmd make    || missing+=(make)
 have_cmd cmake   || missing+=(cmake)
 have_cmd python3 || missing+=(python3)
-have_cmd xmllint || missing+=(libxml2-utils)
 have_file /usr/include/boost/property_tree/ptree.hpp || missing+=(libboost-dev)
 have_file /usr/include/gtest/gtest.h                 || missing+=(libgtest-dev)
 have_file /usr/include/gmock/gmock.h                 || missing+=(libgmock-dev)
 have_file /usr/include/benchmark/benchmark.h         || missing+=(libbenchmark-dev)
 have_file /usr/include/mimalloc.h                    || missing+=(libmimalloc-dev)
+have_cmd xmllint  || missing+=(libxml2-utils)  # validates the documents against their schemas
+have_cmd chromium || missing+=(chromium)       # the report's HTML page is checked in a browser
+have_cmd dpkg-shlibdeps || missing+=(dpkg-dev)  # cpack -G DEB
 
 if [ ${#missing[@]} -eq 0 ]; then
     exit 0

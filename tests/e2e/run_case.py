@@ -18,6 +18,9 @@ A case directory holds:
                     then reads its command file from the FIFO "cmd.fifo" in the
                     working directory; the signal is sent while it waits for input.
 The program is started with argv[0] "advzorv", so texts that show it are stable.
+With a third argument, a folder of XML Schemas, each document that the run wrote
+(named by --advice_file= or --benchmarks_file=) must also validate against its
+schema there.
 """
 import os
 import re
@@ -53,6 +56,31 @@ def matches_document(expected, actual):
     return re.fullmatch(pattern, actual) is not None
 
 
+SCHEMAS = {"--advice_file=": "advice.xsd", "--benchmarks_file=": "perf_results.xsd"}
+
+
+def documents_of(args, work):
+    """The documents the arguments name, each with its schema and current text."""
+    found = {}
+    for arg in args:
+        for prefix, schema in SCHEMAS.items():
+            if arg.startswith(prefix):
+                path = os.path.join(work, arg[len(prefix):])
+                found[path] = (schema, read(path) if os.path.isfile(path) else None)
+    return found
+
+
+def check_schemas(schema_dir, before, after, failures):
+    for path, (schema, text) in after.items():
+        if text is None or text == before[path][1]:
+            continue  # not written by the run
+        check = subprocess.run(["xmllint", "--noout", "--schema",
+                                os.path.join(schema_dir, schema), path],
+                               capture_output=True, text=True)
+        if check.returncode != 0:
+            failures.append(f"{os.path.basename(path)} breaks {schema}:\n{check.stderr}")
+
+
 def run_with_signal(binary, args, work, signame):
     fifo = os.path.join(work, "cmd.fifo")
     os.mkfifo(fifo)
@@ -80,6 +108,7 @@ def main():
             shutil.copytree(inputs, work)
         else:
             os.mkdir(work)
+        before = documents_of(args, work)
         signal_file = os.path.join(case, "signal")
         if os.path.exists(signal_file):
             status, out, err = run_with_signal(binary, args, work, read(signal_file).strip())
@@ -93,6 +122,8 @@ def main():
             failures.append(f"exit status {status}, expected {expected_status}")
         compare_stream(case, "stdout", out.decode("utf-8", "replace"), failures)
         compare_stream(case, "stderr", err.decode("utf-8", "replace"), failures)
+        if len(sys.argv) > 3:
+            check_schemas(sys.argv[3], before, documents_of(args, work), failures)
         files = os.path.join(case, "expected", "files")
         for root, _, names in os.walk(files):
             for name in names:

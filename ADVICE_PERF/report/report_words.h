@@ -1,0 +1,20 @@
+#pragma once
+// The texts that the terminal report and the page share.
+
+#include "ADVICE_PERF/advice.h"
+
+#include <string>
+
+// "best" for green, "error" for red (the build linked with errors), "other"
+// for every other colour.
+const char* bar_meaning(const std::string& color);
+
+// The text of the entry stating the current settings, or "none recorded".
+std::string settings_line(const ADVICE::entry_map& entries);
+
+// Whether an entry is shown in the advice list (all but the settings entry).
+bool is_listed_advice(const ADVICE_INFO& info);
+
+// What an entry recommends: "option=value", the value alone when the entry
+// names no option, or "" when it recommends nothing.
+std::string recommended_value(const ADVICE_INFO& info);
