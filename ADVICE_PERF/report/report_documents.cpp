@@ -1,6 +1,9 @@
 #include "ADVICE_PERF/report/report_documents.h"
 
+#include "ADVICE_PERF/document_lock.h"
+
 #include <cerrno>
+#include <chrono>
 #include <cstring>
 #include <exception>
 #include <fstream>
@@ -34,6 +37,13 @@ std::unique_ptr<Document> read_document(const char* file_name, const char* kind)
 }  // namespace
 
 REPORT_DOCUMENTS read_documents(const char* advice_file, const char* results_file) {
+  // A run that is updating the documents finishes before they are read, so
+  // both come from the same run.
+  const DOCUMENT_LOCKS locks({advice_file, results_file}, lock_mode::shared,
+                             std::chrono::seconds(60));
+  if (!locks.busy_directory().empty())
+    throw document_error("another run kept the documents in " + locks.busy_directory() +
+                         " locked for 60 seconds");
   REPORT_DOCUMENTS documents;
   documents.advice = read_document<ADVICE>(advice_file, "advice");
   documents.results = read_document<PERF_RESULTS>(results_file, "results");
