@@ -14,10 +14,6 @@
 class DIAGNOSTIC;
 class argv_list;
 
-// Names a generated part of a table in #include: OO_STRINGIFY(options/x.inc).
-#define OO_STRINGIFY_(text) #text
-#define OO_STRINGIFY(text) OO_STRINGIFY_(text)
-
 // An owned copy of a text argument. The characters stay where they are when
 // the argument itself moves, so a text handed out by getstrarg survives
 // further arguments being added to the same option.

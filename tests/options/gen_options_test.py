@@ -23,7 +23,7 @@ def run(source):
         path = os.path.join(tmp, "bad.opt")
         with open(path, "w") as out:
             out.write(source)
-        proc = subprocess.run([sys.executable, GENERATOR, path, tmp, "x"],
+        proc = subprocess.run([sys.executable, GENERATOR, path, os.path.join(tmp, "x.inc")],
                               capture_output=True, text=True)
         return proc.returncode, proc.stderr.replace(path, "bad.opt"), sorted(os.listdir(tmp))
 
@@ -33,7 +33,7 @@ class BadSources(unittest.TestCase):
         code, err, files = run(HEADER + "option A\n  spelling --a\n  help_class MAIN\n"
                                "  help \"a\"\n")
         self.assertEqual(code, 0, err)
-        self.assertIn("x_scan.inc", files)
+        self.assertIn("x.inc", files)
 
     def test_duplicate_option(self):
         rec = "option A\n  spelling --a\n  help_class MAIN\n  help \"a\"\n"

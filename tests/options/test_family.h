@@ -10,10 +10,7 @@
 #include "DIAG/diag.h"
 #include "options/option_engine.h"
 
-// The generated part of the table; the slash is part of a path, so no formatting.
-// clang-format off
-#define OO_TABLE_INC(part) OO_STRINGIFY(options/engine_test_##part.inc)
-// clang-format on
+#define OO_TABLE_INC "options/engine_test.inc"
 
 class option_obj_test : public option_engine {
 #include "options/family_members.h"
