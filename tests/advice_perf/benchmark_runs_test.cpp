@@ -1,6 +1,7 @@
 // Benchmark series: each event is one run over the files that the run before
 // it left, as the development environment drives them.
 #include "tests/advice_perf/perf_fixture.h"
+#include "tests/util/capture.h"
 
 namespace {
 
@@ -197,9 +198,7 @@ TEST_F(benchmark_run, an_incomplete_event_is_refused_and_leaves_the_chart_alone)
   const auto errors_before = DIAGNOSTIC::error_count_m;
   for (const auto& call : incomplete) {
     SCOPED_TRACE(call.args.front());
-    ::testing::internal::CaptureStderr();
-    run(call.args);
-    EXPECT_EQ(::testing::internal::GetCapturedStderr(), call.message);
+    EXPECT_EQ(capture_output(stderr, [&] { run(call.args); }), call.message);
     EXPECT_EQ(chart_attribute("option"), "--opt_level");
     EXPECT_EQ(chart_attribute("title"), "t");
     EXPECT_EQ(bars_in_file(), (std::vector<attribute_row>{{"3", "5", "cyan"}}));

@@ -114,9 +114,7 @@ TEST_F(args, OneOfWordsMatchWholeAndInAnyCase) {
 }
 
 TEST_F(args, DeprecatedWordWarnsAndIsTaken) {
-  ::testing::internal::CaptureStderr();
-  EXPECT_EQ(run("-color=Crimson"), 1);
-  EXPECT_EQ(::testing::internal::GetCapturedStderr(),
+  EXPECT_EQ(capture_output(stderr, [this] { EXPECT_EQ(run("-color=Crimson"), 1); }),
             "WARNING: argument 'crimson' to option '--color' is deprecated and will be removed "
             "in a future release\n");
   EXPECT_EQ(opts.getnumarg(T::COLOR, 0), T::ITEM_COLOR_CRIMSON);

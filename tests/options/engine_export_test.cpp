@@ -18,10 +18,10 @@ class export_ : public test_table_fixture {
     return result;
   }
   std::string help_on(const char* topic, int* matched = nullptr) {
-    ::testing::internal::CaptureStdout();
-    int result = opts.display_option_help(topic, 1);
-    if (matched) *matched = result;
-    return ::testing::internal::GetCapturedStdout();
+    return capture_output(stdout, [&] {
+      const int result = opts.display_option_help(topic, 1);
+      if (matched) *matched = result;
+    });
   }
 };
 
@@ -100,16 +100,14 @@ TEST_F(export_, ListsChooseBySeenAndSetAndClass) {
 }
 
 TEST_F(export_, DumpsShowStateAndHistory) {
-  ::testing::internal::CaptureStdout();
-  T(false).dump(0);
-  EXPECT_EQ(::testing::internal::GetCapturedStdout(), "");
+  EXPECT_EQ(capture_output(stdout, [] { T(false).dump(0); }), "");
   run("-color=green");
   run("-zip");
   opts.addfileopt("x.c", "clzorv");
-  ::testing::internal::CaptureStdout();
-  opts.dump(0);
-  opts.dump_history();
-  std::string out = ::testing::internal::GetCapturedStdout();
+  const std::string out = capture_output(stdout, [this] {
+    opts.dump(0);
+    opts.dump_history();
+  });
   EXPECT_NE(out.find("--color                    ENUMERATED ARG: green\n"), std::string::npos);
   EXPECT_NE(out.find("--zip                      STRING ARG: <arg not provided>\n"),
             std::string::npos);

@@ -30,10 +30,6 @@ class merge : public test_table_fixture {
   }
 };
 
-bool contains(const std::string& text, const std::string& part) {
-  return text.find(part) != std::string::npos;
-}
-
 TEST_F(merge, ArgumentsCompareByTypeAndAMissingOneIsLowest) {
   an_argument_t none{4, {.num = 0}, 0}, none2{4, {.num = 7}, 0};
   an_argument_t minus{0, {.num = -1}, 0}, one{0, {.num = 1}, 0};

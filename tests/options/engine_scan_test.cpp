@@ -3,6 +3,7 @@
 
 #include <cstring>
 
+#include "options/optobj.h"
 #include "test_family.h"
 
 namespace {
@@ -139,13 +140,42 @@ TEST_F(scan, CaseFoldingWarnsUnlessTheSpellingIsQuiet) {
   EXPECT_EQ(opts.error_count, 0);  // a warning counts nothing
 }
 
-TEST_F(scan, DeprecatedOptionCountsItsErrorAndSetsTheOthers) {
+TEST_F(scan, WhatAnOptionDoesBeyondBeingStored) {
+  DIAGNOSTIC::remarks_m = true;
   diag_capture capture;
-  EXPECT_EQ(run("-old_flag"), 1);
-  EXPECT_NE(capture.text().find("--old_flag is no longer supported."), std::string::npos);
-  EXPECT_EQ(opts.error_count, 1);
+  // Options set as well: by a word, when the option holds a word, by number, by one more.
+  run("-format=elf");
+  EXPECT_EQ(opts.option_state[T::MODE], 0);
+  run("-format=COFF");
+  EXPECT_STREQ(opts.getstrarg(T::MODE, 0), "fast");
+  run("-goal=0");
+  EXPECT_STREQ(opts.getstrarg(T::MODE, 0), "safe");
+  run("-goal=2");  // no word for 2: nothing changes
+  EXPECT_STREQ(opts.getstrarg(T::MODE, 0), "safe");
+  EXPECT_EQ(opts.option_parsed[T::MODE], 0u);
+  run("-tallyvv");
+  EXPECT_EQ(opts.getnumarg(T::NUMBER, 0), 3);
+  run("-tallyvx");
+  EXPECT_EQ(opts.getnumarg(T::NUMBER, 0), 5);
+  // Named handlers, then deprecation notices by their severity.
+  run("-align=8");
+  run("-enum=Int");
+  EXPECT_STREQ(opts.getstrarg(T::ENUM, 0), "unpacked");
+  EXPECT_EQ(opts.error_count, 0);
+  run("-align=6");
+  run("-old_remark");
+  run("-old_warning");
+  run("-old_flag");
+  EXPECT_EQ(opts.error_count, 2);
   EXPECT_EQ(opts.option_state[T::ALPHA], 1);
-  EXPECT_EQ(opts.option_parsed[T::ALPHA], 0);
+  EXPECT_EQ(opts.option_parsed[T::ALPHA], 0u);
+  EXPECT_EQ(capture.text(),
+            "warning: garbage following option --tallyv ignored\n"
+            "remark: --enum_type=int is not supported. Using --enum_type=unpacked instead.\n"
+            "error: Argument of --align=6 must be a power of 2\n"
+            "remark: --old_remark does nothing.\n"
+            "warning: --old_warning does nothing.\n"
+            "error: --old_flag is no longer supported.\n");
   EXPECT_EXIT(opts.post_process_option_depends(), ::testing::ExitedWithCode(1), "");
 }
 
@@ -170,6 +200,8 @@ TEST_F(scan, HelpFindsItsTopicAndEndsTheRunWithZero) {
         run("-help");
       },
       ::testing::ExitedWithCode(0), "--numbers=value");
+  option_obj tool;  // its usage hook returns, so help ends the run with 1
+  EXPECT_EXIT(tool.process_option("-help", nullptr), ::testing::ExitedWithCode(1), "");
   EXPECT_EQ(run("-help=x"), 0);  // the long form takes no text
   EXPECT_EQ(opts.option_state[T::HELP], 0);
 }

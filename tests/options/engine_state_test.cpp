@@ -134,9 +134,7 @@ TEST_F(state, QuietConflictClearsWithoutAWordUnlessDebugging) {
   EXPECT_EQ(capture.text(), "");
   DIAGNOSTIC::remarks_m = true;
   opts.debug = 1;
-  ::testing::internal::CaptureStdout();  // debug trace lines
-  run("-quiet_a");
-  ::testing::internal::GetCapturedStdout();
+  capture_output(stdout, [this] { run("-quiet_a"); });  // debug trace lines
   EXPECT_NE(capture.text().find("option --quiet_a clears preceding option --quiet_b"),
             std::string::npos);
 }

@@ -20,7 +20,3 @@ class shell_options : public options_fixture {
   const char* level() const { return word(S::OPT_LEVEL); }
   const char* goal() const { return word(S::SIZE_SPEED_GOAL); }
 };
-
-inline bool contains(const std::string& text, const std::string& part) {
-  return text.find(part) != std::string::npos;
-}

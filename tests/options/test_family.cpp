@@ -28,24 +28,3 @@ const char* scripted_next_arg() {
   tokens.pop_front();
   return token;
 }
-
-diag_capture::diag_capture() : file_(std::tmpfile()), saved_(DIAGNOSTIC::fp_m) {
-  DIAGNOSTIC::fp_m = file_;
-}
-
-diag_capture::~diag_capture() {
-  DIAGNOSTIC::fp_m = saved_;
-  std::fclose(file_);
-}
-
-std::string diag_capture::text() {
-  std::fflush(file_);
-  std::string out;
-  std::rewind(file_);
-  char buffer[512];
-  size_t got;
-  while ((got = std::fread(buffer, 1, sizeof buffer, file_)) > 0)
-    out.append(buffer, got);
-  std::fseek(file_, 0, SEEK_END);  // later messages are appended
-  return out;
-}
