@@ -18,15 +18,6 @@ class state : public test_table_fixture {
   }
 };
 
-TEST_F(state, ConstructorDefaultsAreSetButNotParsed) {
-  EXPECT_EQ(opts.option_state[T::KEEP], 1);
-  EXPECT_EQ(opts.option_parsed[T::KEEP], 0);
-  EXPECT_STREQ(opts.getstrarg(T::KEEP, 0), "high");
-  T bare(false);
-  EXPECT_EQ(bare.option_state[T::KEEP], 0);
-  EXPECT_TRUE(bare.history.empty());
-}
-
 TEST_F(state, ListOptionKeepsAnEntryPerSetting) {
   run("-names=a");
   const char* first = opts.getstrarg(T::NAMES, 0);
@@ -93,36 +84,6 @@ TEST_F(state, ClassesCountMembersAndClassZeroMeansAll) {
   opts.clearopt(T::class_id(1));
   EXPECT_EQ(opts.testclass(1), 0);
   EXPECT_EQ(opts.seenclass(1), 4u);
-}
-
-TEST_F(state, ArgumentsMatchAListExactly) {
-  run("n=one");
-  run("n=two");
-  const char* hit[] = {"zero", "two", nullptr};
-  const char* miss[] = {"TWO", nullptr};
-  const char* none[] = {nullptr};
-  EXPECT_EQ(opts.args_match_list(T::NAMES, hit), 1);
-  EXPECT_EQ(opts.args_match_list(T::NAMES, miss), 0);
-  EXPECT_EQ(opts.args_match_list(T::NAMES, none), 0);
-  EXPECT_EQ(opts.args_match_list(T::ALPHA, hit), 0);
-}
-
-TEST_F(state, GetArgumentDescribesTheStoredValues) {
-  run("-alpha");
-  run("n=one");
-  run("n=two");
-  run("-hex=10h");
-  an_argument_t arg;
-  opts.get_argument(T::ALPHA, &arg);
-  EXPECT_EQ(arg.type, 4u);
-  opts.get_argument(T::HEX, &arg);
-  EXPECT_EQ(arg.type, 1u);
-  EXPECT_EQ(arg.value.unum, 16u);
-  opts.get_argument(T::NAMES, &arg);
-  ASSERT_EQ(arg.type, 3u);
-  ASSERT_EQ(arg.count, 2u);
-  EXPECT_STREQ(arg.value.list[1].value.text, "two");
-  std::free(arg.value.list);
 }
 
 TEST_F(state, QuietConflictClearsWithoutAWordUnlessDebugging) {
