@@ -106,6 +106,9 @@ void update_documents() {
       std::make_unique<ADVICE>(cmdline_options->getstrarg(option_obj::ADVICE_FILE, 0), *link_data);
   auto perf_results = std::make_unique<PERF_RESULTS>(
       cmdline_options->getstrarg(option_obj::BENCHMARKS_FILE, 0), *link_data, advice.get());
+  // Advice entries are texts the diagnostics build as single lines, so
+  // wrapping stops here; messages of the reading above still wrap.
+  DIAGNOSTIC::wrap_enabled_m = false;
   advice->update();
   perf_results->update();
   perf_results->output();

@@ -35,6 +35,8 @@ class perf_fixture : public ::testing::Test {
   std::unique_ptr<option_obj> tool_options;
   std::unique_ptr<option_obj_shell> shell_options;
 
+  // As in a run, the documents' texts are built without wrapping.
+  void SetUp() override { DIAGNOSTIC::wrap_enabled_m = false; }
   void TearDown() override {
     cmdline_options = nullptr;
     global_options = nullptr;

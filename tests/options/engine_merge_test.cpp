@@ -118,7 +118,7 @@ TEST_F(merge, DifferencesAreReportedAndTheMergeGoesOn) {
   give("-names=z");
   opts.merge_options(other);  // both set, different; a merge conflict
   T fresh;
-  fresh.merge_options(other);  // set in the further file only
+  fresh.merge_options(other);              // set in the further file only
   EXPECT_EQ(text_of(T::ALPHA_BETA), "x");  // exact never changes the receiver
   EXPECT_EQ(text_of(T::NAMES), "z");
   EXPECT_EQ(opts.option_state[T::TRACE], 0);  // no policy: not taken over

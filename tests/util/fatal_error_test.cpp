@@ -44,19 +44,6 @@ void tool_handler(int sig) {
   common_signal_handler(sig, "tool", "while %s", "testing");
 }
 
-TEST(InstallCommonHandlers, CoversTheTwelveSignals) {
-  for (int sig : {SIGILL, SIGABRT, SIGFPE, SIGSEGV, SIGTERM, SIGINT, SIGHUP, SIGTRAP, SIGBUS,
-                  SIGSYS, SIGXCPU, SIGXFSZ}) {
-    struct sigaction saved;
-    sigaction(sig, nullptr, &saved);
-    install_common_handlers(tool_handler, nullptr);
-    struct sigaction now;
-    sigaction(sig, nullptr, &now);
-    EXPECT_EQ(now.sa_handler, tool_handler) << sig;
-    sigaction(sig, &saved, nullptr);
-  }
-}
-
 // Installs the callback, then reports sig, as a tool's handler would.
 template <typename... Args>
 [[noreturn]] void handle(signal_callback_fn callback, int sig, const char* name, const char* fmt,

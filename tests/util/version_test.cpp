@@ -11,17 +11,6 @@
 
 namespace {
 
-TEST(Version, ComposedTextsAreBuiltOnce) {
-  EXPECT_STREQ(version_full(), "v25.11.0.LTS");
-  EXPECT_STREQ(os_and_version_short(), "Unix v25.11.0");
-  EXPECT_STREQ(isa_tool_and_version_full(),
-               "ZORVEX Advice and Performance results utility Unix v25.11.0.LTS");
-  for (const char* (*text)() :
-       {version_number, version_short, version_full, isa_and_tool_name, isa_tool_and_version_short,
-        isa_tool_and_version_full, os_and_version_short, os_and_version_full, copyright_full})
-    EXPECT_EQ(text(), text());
-}
-
 TEST(Version, PrintedLines) {
   // The 45-character name is cut at 40; the version follows without a blank.
   const std::string tool_line = write_to_string(print_tool_and_version);
