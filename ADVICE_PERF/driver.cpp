@@ -55,6 +55,9 @@ namespace {
 // options while a command file is open, the tool's own options otherwise.
 void route_token(const char* token) {
   if (token[0] != '-') {
+    // The errno text belongs to no failure of the token: it is whatever the
+    // last failing library call left. The line has always carried it, and the
+    // environment's readers expect it, so it stays.
     std::fprintf(stderr, ">> Ignoring non-option input: %s %s\n", std::strerror(errno), token);
     return;
   }

@@ -25,10 +25,11 @@ class merge : public test_table_fixture {
 };
 
 TEST_F(merge, ArgumentsCompareByTypeAndAMissingOneIsLowest) {
-  an_argument_t none{4, {.num = 0}, 0}, none2{4, {.num = 7}, 0};
-  an_argument_t minus{0, {.num = -1}, 0}, one{0, {.num = 1}, 0};
-  an_argument_t big{1, {.unum = ~0ULL}, 0}, small{1, {.unum = 1}, 0};
-  an_argument_t abc{2, {.text = "abc"}, 0}, abd{2, {.text = "abd"}, 0};
+  an_argument_t none{argument_missing, {.num = 0}, 0}, none2{argument_missing, {.num = 7}, 0};
+  an_argument_t minus{argument_signed, {.num = -1}, 0}, one{argument_signed, {.num = 1}, 0};
+  an_argument_t big{argument_unsigned, {.unum = ~0ULL}, 0},
+      small{argument_unsigned, {.unum = 1}, 0};
+  an_argument_t abc{argument_text, {.text = "abc"}, 0}, abd{argument_text, {.text = "abd"}, 0};
   EXPECT_TRUE(none == none2);
   EXPECT_TRUE(minus < one && one > minus);  // signed
   EXPECT_TRUE(big > small);                 // unsigned: all bits set is the largest
@@ -37,8 +38,8 @@ TEST_F(merge, ArgumentsCompareByTypeAndAMissingOneIsLowest) {
   // different types are neither equal nor ordered
   EXPECT_FALSE(one == small || one < small || one > small);
   an_argument_t items[] = {abc, abd};
-  an_argument_t list{3, {.list = items}, 2}, same{3, {.list = items}, 2},
-      shorter{3, {.list = items}, 1};
+  an_argument_t list{argument_list, {.list = items}, 2}, same{argument_list, {.list = items}, 2},
+      shorter{argument_list, {.list = items}, 1};
   EXPECT_TRUE(list == same);
   EXPECT_FALSE(list == shorter || list > shorter || list < shorter);
 }
