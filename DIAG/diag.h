@@ -117,7 +117,8 @@ class DIAGNOSTIC {
   static std::string srcinfo_str(const DIAG_SRCINFO* src);
   void show_annotated_source();
 
-  // Severity overrides of catalogue rows.
+  // Severity overrides of catalogue rows. Carried for the toolchain's other
+  // tools; no step of an advzorv run calls them.
   static void override_severity(int code, dc_SEVERITY sev);
   static void override_severity(const char* codes, dc_SEVERITY sev);
   static void override_severity(dc_SEVERITY from, dc_SEVERITY to);

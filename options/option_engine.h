@@ -199,7 +199,8 @@ class option_engine {
   static const char* get_opt_txt(const char* long_form, const char* const* alt_forms,
                                  const char* short_form, const char* arg_text, int optional);
 
-  // --- merging the options of several files (policies per option in the table)
+  // --- merging the options of several files (policies per option in the table);
+  // carried for the toolchain's other tools, no step of an advzorv run calls it
   void merge_init(const option_engine& other);
   void merge_options(const option_engine& other);
   void do_merge_conflicts(int id, const option_engine& other);
@@ -216,7 +217,8 @@ class option_engine {
   // when the group was resolved here and the option's policy is skipped.
   bool mutex_merge_override(int id, const option_engine& other);
 
-  // --- tool command lines
+  // --- tool command lines; carried for the toolchain's other tools, no step
+  // of an advzorv run calls them
   // Adds the options of the history (in its order) that go to the list's
   // tool: all options, all but those of the excluded classes, or those of
   // the included classes less those of the excluded ones.
