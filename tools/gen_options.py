@@ -227,7 +227,7 @@ def parse_int(text, fail, what):
         return int(text, 0)
     except ValueError:
         fail("%s must be a number, not '%s'" % (what, text))
-        return None
+        return
 
 
 def parse_table_line(table, key, args, lineno, fail):
@@ -273,13 +273,13 @@ def parse_record_line(rec, key, args, lineno, fail):
 
 
 # One handler per record keyword: (record, arguments, line, fail). A handler
-# returns False when the arguments do not have the keyword's shape; it reports
-# finer faults itself.
+# returns False when the arguments do not have the keyword's shape, and
+# reports finer faults itself.
 
 def rec_spelling(rec, args, lineno, fail):
     if not args or not args[0].startswith("-"):
         fail("a spelling begins with '-'")
-        return None
+        return
     sp = Spelling(args[0], lineno)
     for flag in args[1:]:
         if flag in ("scan_only", "unscanned", "shown_first", "quiet_case"):
@@ -289,14 +289,12 @@ def rec_spelling(rec, args, lineno, fail):
         else:
             fail("unknown spelling flag '%s'" % flag)
     rec.spellings.append(sp)
-    return None
 
 
 def rec_kind(rec, args, _lineno, _fail):
     if len(args) != 1 or args[0] not in KINDS:
         return False
     rec.kind = KINDS[args[0]]
-    return None
 
 
 def rec_parse(rec, args, _lineno, fail):
@@ -306,9 +304,8 @@ def rec_parse(rec, args, _lineno, fail):
     words = args[1:] if optional else args
     if len(words) != 1 or words[0] not in PARSE_TYPES:
         fail("unknown parse type '%s'" % " ".join(args))
-        return None
+        return
     rec.parse = PARSE_TYPES[words[0]] + (OPTIONAL_OFFSET if optional else 0)
-    return None
 
 
 def one_word(attr):
@@ -317,7 +314,7 @@ def one_word(attr):
         if len(args) != 1:
             return False
         setattr(rec, attr, args[0])
-        return None
+        return
     return handler
 
 
@@ -327,7 +324,7 @@ def one_number(attr):
         if len(args) != 1:
             return False
         setattr(rec, attr, parse_int(args[0], fail, attr))
-        return None
+        return
     return handler
 
 
@@ -340,7 +337,6 @@ def rec_range(rec, args, _lineno, fail):
         if low > high:
             fail("range %d..%d is empty" % (low, high))
         rec.range = (low, high)
-    return None
 
 
 def rec_flags(rec, args, _lineno, fail):
@@ -348,14 +344,12 @@ def rec_flags(rec, args, _lineno, fail):
         if flag not in ("internal", "hidden", "persistent", "arg_optional"):
             fail("unknown flag '%s'" % flag)
         rec.flags.add(flag)
-    return None
 
 
 def rec_help_class(rec, args, lineno, _fail):
     if len(args) != 1:
         return False
     rec.help_class = (args[0], lineno)
-    return None
 
 
 def rec_classes(rec, args, _lineno, fail):
@@ -363,7 +357,6 @@ def rec_classes(rec, args, _lineno, fail):
         value = parse_int(col, fail, "class column")
         if value is not None:
             rec.classes.append(value)
-    return None
 
 
 def rec_items(rec, args, _lineno, fail):
@@ -373,7 +366,6 @@ def rec_items(rec, args, _lineno, fail):
         if len(item) < 2 or item[0] not in "+*-":
             fail("an item is a mark (+, * or -) and a word, not '%s'" % item)
         rec.items.append(item)
-    return None
 
 
 def rec_action(rec, args, _lineno, fail):
@@ -382,7 +374,6 @@ def rec_action(rec, args, _lineno, fail):
     if args[0] not in ACTIONS:
         fail("unknown action '%s'" % args[0])
     rec.action = args[0]
-    return None
 
 
 def rec_also_sets(rec, args, lineno, fail):
@@ -401,9 +392,8 @@ def rec_also_sets(rec, args, lineno, fail):
         entry["increment"] = True
     elif rest:
         fail("also_sets takes TARGET[=word] [when WORD | by_number WORDS... | increment]")
-        return None
+        return
     rec.also_sets.append(entry)
-    return None
 
 
 def rec_rule(rec, args, lineno, fail):
@@ -412,14 +402,12 @@ def rec_rule(rec, args, lineno, fail):
         fail("rule takes [when WORD] with|without OPTION[=WORD,...] error|warning TEXT")
     else:
         rec.rules.append(rule)
-    return None
 
 
 def rec_deprecated(rec, args, _lineno, _fail):
     if len(args) != 2 or args[0] not in SEVERITIES:
         return False
     rec.deprecated = (SEVERITIES[args[0]], args[1])
-    return None
 
 
 def conflict_value(text, fail):
@@ -435,7 +423,6 @@ def rec_conflict_group(rec, args, lineno, fail):
     value = conflict_value(args[1], fail)
     if value is not None:
         rec.conflict_groups.append((args[0], value, lineno))
-    return None
 
 
 def rec_conflicts(rec, args, lineno, fail):
@@ -444,35 +431,30 @@ def rec_conflicts(rec, args, lineno, fail):
     value = conflict_value(args[0], fail)
     if value is not None:
         rec.conflicts.extend((other, value, lineno) for other in args[1:])
-    return None
 
 
 def rec_merge(rec, args, _lineno, _fail):
     if len(args) != 1 or args[0] not in MERGE_POLICIES:
         return False
     rec.merge = args[0]
-    return None
 
 
 def rec_merge_pair(rec, args, lineno, _fail):
     if len(args) != 3:
         return False
     rec.merge_pairs.append((args[0], args[1], args[2], lineno))
-    return None
 
 
 def rec_merge_group(rec, args, _lineno, _fail):
     if len(args) != 1 or not GROUP_RE.match(args[0]) or args[0] == "none":
         return False
     rec.merge_group = args[0]
-    return None
 
 
 def rec_merge_conflicts(rec, args, lineno, _fail):
     if not args:
         return False
     rec.merge_conflicts.extend((other, lineno) for other in args)
-    return None
 
 
 def rec_passto(rec, args, _lineno, fail):
@@ -485,7 +467,6 @@ def rec_passto(rec, args, _lineno, fail):
             fail("passto %s= needs a text" % tool)
         else:
             rec.passto.append((tool, text if sep else None))
-    return None
 
 
 RECORD_KEYWORDS = {
@@ -509,7 +490,7 @@ def parse_rule(args, lineno):
     if args[:1] == ["when"] and len(args) >= 2:
         rule["when"], args = args[1], args[2:]
     if len(args) != 4 or args[0] not in ("with", "without") or args[2] not in RULE_KINDS:
-        return None
+        return
     rule["relation"] = args[0]
     other, _, words = args[1].partition("=")
     rule["other"] = other

@@ -48,35 +48,6 @@ class benchmark_run : public perf_fixture {
   }
 };
 
-TEST_F(benchmark_run, a_speed_series_from_start_to_end) {
-  write_advice_with_series_entries();
-  write_results(0x100,
-                "<chart option=\"--opt_level\" title=\"t\" valueLabel=\"v\">"
-                "<bar option_value=\"3\" value=\"5\" color=\"cyan\"/></chart>");
-  start("--opt_for_speed");
-  EXPECT_TRUE(bars_in_file().empty());
-  EXPECT_EQ(chart_attribute("option"), "--opt_for_speed");
-  EXPECT_EQ(chart_attribute("title"), "Vary Size vs Speed Setting");
-  EXPECT_EQ(chart_attribute("valueLabel"), "Code Size (bytes)");
-  EXPECT_EQ(series_entries(), (std::vector<entry_row>{{"27010", "build_run", ""}}));
-
-  speed_build("append", "2", 30000);
-  EXPECT_EQ(bars_in_file(), (std::vector<attribute_row>{{"2", "30000", "green"}}));
-  EXPECT_EQ(series_entries(), (std::vector<entry_row>{{"27010", "build_run", ""}}));
-
-  speed_build("end", "4", 34000, 1, {"--opt_for_speed=4"});
-  EXPECT_EQ(bars_in_file(),
-            (std::vector<attribute_row>{{"2", "30000", "green"}, {"4", "34000", "red"}}));
-  EXPECT_EQ(series_entries(), (std::vector<entry_row>{{"27011", "build_results", "2"}}));
-  const ptree advice = read_tree(advice_path);
-  ptree result;
-  for (const auto& [name, entry] : advice.get_child("body"))
-    if (entry.get("<xmlattr>.diag_code", "") == "27011") result = entry;
-  EXPECT_EQ(result.get<std::string>("<xmlattr>.option"), "--opt_for_speed");
-  EXPECT_EQ(result.get<std::string>("<xmlattr>.action"), "gotoBuildOption:--opt_for_speed");
-  EXPECT_NE(result.data().find("(--opt_for_speed=2)"), std::string::npos) << result.data();
-}
-
 TEST_F(benchmark_run, an_end_whose_best_is_the_goal_leaves_no_result) {
   write_advice_with_series_entries();
   start("--opt_for_speed");

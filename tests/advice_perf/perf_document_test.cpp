@@ -14,25 +14,6 @@ class perf_document : public perf_fixture {
   void plain_run() { run({}); }
 };
 
-TEST_F(perf_document, a_first_run_writes_the_menu_and_an_empty_default_chart) {
-  plain_run();
-  const std::string expected =
-      "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n"
-      "<body>\n"
-      "\t<version>1</version>\n"
-      "\t<timestamp>" +
-      convert<std::string>(new_timestamp()) +
-      "</timestamp>\n"
-      "\t<menu>\n"
-      "\t\t<menu_item option=\"--opt_for_speed\" description=\"Control Speed vs Size\"/>\n"
-      "\t\t<menu_item option=\"--opt_level\" description=\"Optimization Level\"/>\n"
-      "\t</menu>\n"
-      "\t<chart option=\"--opt_for_speed\" title=\"Vary Size vs Speed Setting\" "
-      "valueLabel=\"Code Size (bytes)\"/>\n"
-      "</body>\n";
-  EXPECT_EQ(read_file(results_path), expected);
-}
-
 TEST_F(perf_document, a_plain_run_keeps_labels_and_bars_and_resets_only_the_value_label) {
   write_results(0x100, std::string("<chart ") + chart_labels +
                            "><bar option_value=\"3\" value=\"700\" color=\"red\"/>"
