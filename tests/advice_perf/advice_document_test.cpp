@@ -12,7 +12,7 @@
 
 namespace {
 
-class advice_document : public ::testing::Test {
+class AdviceDocument : public ::testing::Test {
  protected:
   TempDir dir;
   const std::string path = dir.file("advice.xml");
@@ -31,7 +31,7 @@ class advice_document : public ::testing::Test {
   }
 };
 
-TEST_F(advice_document, entries_survive_a_write_and_a_read_unchanged) {
+TEST_F(AdviceDocument, EntriesSurviveAWriteAndAReadUnchanged) {
   ADVICE first(path.c_str(), link);
   first.add_advice("31337", "unknown kind", "future_type", "", "v", "doSomething");
   first.add_advice("27011", "results", "build_results", "--opt_for_speed", "", "");
@@ -39,7 +39,7 @@ TEST_F(advice_document, entries_survive_a_write_and_a_read_unchanged) {
   EXPECT_EQ(ADVICE(path.c_str(), link).get_entries(), first.get_entries());
 }
 
-TEST_F(advice_document, reading_keeps_the_first_of_two_keys_and_ignores_other_elements) {
+TEST_F(AdviceDocument, ReadingKeepsTheFirstOfTwoKeysAndIgnoresOtherElements) {
   write_body(
       "<current_settings><option name=\"--opt_level\" value=\"  --opt_level=9\"/>"
       "</current_settings>"
@@ -62,7 +62,7 @@ TEST_F(advice_document, reading_keeps_the_first_of_two_keys_and_ignores_other_el
   EXPECT_EQ(read_file(path).find("current_settings"), std::string::npos);
 }
 
-TEST_F(advice_document, an_entry_without_a_required_attribute_is_fatal) {
+TEST_F(AdviceDocument, AnEntryWithoutARequiredAttributeIsFatal) {
   const char* attributes[] = {"diag_code", "advice_type", "option", "value"};
   for (const char* missing : attributes) {
     std::string element = "<advice";

@@ -23,7 +23,7 @@ struct advice_state {
   }
 };
 
-class advice_rules : public perf_fixture {
+class AdviceRules : public perf_fixture {
  protected:
   // One run of the advice document alone: read, update, write.
   advice_state advice_run(tokens shell, tokens tool = {}) {
@@ -45,7 +45,7 @@ class advice_rules : public perf_fixture {
 
 const char* const debug_note = " NOTE: debug ability will decrease.";
 
-TEST_F(advice_rules, the_level_advice_follows_level_and_debug_information) {
+TEST_F(AdviceRules, TheLevelAdviceFollowsLevelAndDebugInformation) {
   auto expect_advice = [&](tokens shell, const std::string& code, const std::string& text,
                            const char* value) {
     std::filesystem::remove(advice_path);
@@ -71,7 +71,7 @@ TEST_F(advice_rules, the_level_advice_follows_level_and_debug_information) {
   expect_advice({"-O3", "--symdebug:none"}, "27009", three + ".", "4");
 }
 
-TEST_F(advice_rules, a_benchmark_event_only_refreshes_the_settings) {
+TEST_F(AdviceRules, ABenchmarkEventOnlyRefreshesTheSettings) {
   write_link(new_timestamp(), 0, 0x100);
   const advice_state plain = advice_run({});
   EXPECT_EQ(plain.keys(), (std::vector<std::string>{"00000", "27007", "27010"}));
@@ -88,7 +88,7 @@ TEST_F(advice_rules, a_benchmark_event_only_refreshes_the_settings) {
   EXPECT_FALSE(fresh.link_advice_flag);
 }
 
-TEST_F(advice_rules, the_series_is_proposed_after_a_clean_new_link) {
+TEST_F(AdviceRules, TheSeriesIsProposedAfterACleanNewLink) {
   const uint64_t written = 0x5000;
   write_advice(written);
   write_link(written, 0, 0x100);
@@ -103,7 +103,7 @@ TEST_F(advice_rules, the_series_is_proposed_after_a_clean_new_link) {
   EXPECT_EQ(read_tree(advice_path).get<std::string>("body.link_advice_flag"), "true");
 }
 
-TEST_F(advice_rules, no_proposal_for_an_old_link_a_failed_link_or_the_fastest_goal) {
+TEST_F(AdviceRules, NoProposalForAnOldLinkAFailedLinkOrTheFastestGoal) {
   const uint64_t written = 0x5000;
   auto proposes = [&](uint64_t link_time, int errors, tokens shell) {
     write_advice(written);
@@ -123,7 +123,7 @@ TEST_F(advice_rules, no_proposal_for_an_old_link_a_failed_link_or_the_fastest_go
   EXPECT_FALSE(advice_run({}).link_advice_flag);
 }
 
-TEST_F(advice_rules, the_series_result_goes_once_the_build_uses_its_value) {
+TEST_F(AdviceRules, TheSeriesResultGoesOnceTheBuildUsesItsValue) {
   const std::string result =
       "<advice diag_code=\"27011\" advice_type=\"build_results\" option=\"--opt_for_speed\" "
       "value=\"4\">r</advice>";

@@ -7,7 +7,7 @@ namespace {
 
 using entry_row = attribute_row;  // diag_code, advice_type, value
 
-class benchmark_run : public perf_fixture {
+class BenchmarkRun : public perf_fixture {
  protected:
   // All documents written by this process bear this time.
   const uint64_t now = new_timestamp();
@@ -48,7 +48,7 @@ class benchmark_run : public perf_fixture {
   }
 };
 
-TEST_F(benchmark_run, an_end_whose_best_is_the_goal_leaves_no_result) {
+TEST_F(BenchmarkRun, AnEndWhoseBestIsTheGoalLeavesNoResult) {
   write_advice_with_series_entries();
   start("--opt_for_speed");
   speed_build("append", "1", 100);
@@ -58,13 +58,13 @@ TEST_F(benchmark_run, an_end_whose_best_is_the_goal_leaves_no_result) {
   EXPECT_TRUE(series_entries().empty());
 }
 
-TEST_F(benchmark_run, an_end_without_a_usable_bar_recommends_an_empty_value) {
+TEST_F(BenchmarkRun, AnEndWithoutAUsableBarRecommendsAnEmptyValue) {
   speed_build("end", "5", 900, 2);
   EXPECT_EQ(bars_in_file(), (std::vector<attribute_row>{{"5", "900", "red"}}));
   EXPECT_EQ(series_entries(), (std::vector<entry_row>{{"27011", "build_results", ""}}));
 }
 
-TEST_F(benchmark_run, the_largest_clean_bar_is_the_only_green_one) {
+TEST_F(BenchmarkRun, TheLargestCleanBarIsTheOnlyGreenOne) {
   speed_build("append", "1", 500);
   speed_build("append", "2", 800);  // overtakes 1
   EXPECT_EQ(bars_in_file(),
@@ -82,7 +82,7 @@ TEST_F(benchmark_run, the_largest_clean_bar_is_the_only_green_one) {
                                                         {"4", "700", "yellow"}}));
 }
 
-TEST_F(benchmark_run, a_bar_needs_a_new_link_with_code) {
+TEST_F(BenchmarkRun, ABarNeedsANewLinkWithCode) {
   write_results(0x100, "<chart option=\"--opt_for_speed\" title=\"t\" valueLabel=\"v\"/>");
   write_link(0xff, 0, 100);  // linked before the document's last write
   build("append", "--opt_level", "1");
@@ -102,7 +102,7 @@ TEST_F(benchmark_run, a_bar_needs_a_new_link_with_code) {
   EXPECT_EQ(bars_in_file(), (std::vector<attribute_row>{{"1", "100", "cyan"}}));
 }
 
-TEST_F(benchmark_run, a_level_series_draws_cyan_and_red_bars_and_gives_no_advice) {
+TEST_F(BenchmarkRun, ALevelSeriesDrawsCyanAndRedBarsAndGivesNoAdvice) {
   write_advice_with_series_entries();
   start("--opt_level");
   EXPECT_EQ(chart_attribute("option"), "--opt_level");
@@ -117,7 +117,7 @@ TEST_F(benchmark_run, a_level_series_draws_cyan_and_red_bars_and_gives_no_advice
             (std::vector<entry_row>{{"27010", "build_run", ""}, {"27011", "build_results", "1"}}));
 }
 
-TEST_F(benchmark_run, the_option_name_is_matched_exactly_for_level_and_in_any_case_for_speed) {
+TEST_F(BenchmarkRun, TheOptionNameIsMatchedExactlyForLevelAndInAnyCaseForSpeed) {
   write_link(now, 0, 300);
   build("append", "--OPT_LEVEL", "1");
   EXPECT_EQ(chart_attribute("option"), "--opt_for_speed");
@@ -129,7 +129,7 @@ TEST_F(benchmark_run, the_option_name_is_matched_exactly_for_level_and_in_any_ca
   EXPECT_EQ(series_entries(), (std::vector<entry_row>{{"27011", "build_results", "2"}}));
 }
 
-TEST_F(benchmark_run, only_start_clears_the_bars_even_when_the_option_changes) {
+TEST_F(BenchmarkRun, OnlyStartClearsTheBarsEvenWhenTheOptionChanges) {
   speed_build("append", "1", 100);
   start("--opt_for_speed");
   start("--opt_for_speed");
@@ -148,7 +148,7 @@ TEST_F(benchmark_run, only_start_clears_the_bars_even_when_the_option_changes) {
                 {"1", "100", "yellow"}, {"2", "200", "green"}, {"3", "150", "yellow"}}));
 }
 
-TEST_F(benchmark_run, an_incomplete_event_is_refused_and_leaves_the_chart_alone) {
+TEST_F(BenchmarkRun, AnIncompleteEventIsRefusedAndLeavesTheChartAlone) {
   write_results(0x100,
                 "<chart option=\"--opt_level\" title=\"t\" valueLabel=\"v\">"
                 "<bar option_value=\"3\" value=\"5\" color=\"cyan\"/></chart>");

@@ -30,7 +30,7 @@ settings settings_after(const std::vector<const char*>& tokens) {
   return result;
 }
 
-TEST(build_settings, level_and_goal_from_the_tokens_that_set_them) {
+TEST(BuildSettings, LevelAndGoalFromTheTokensThatSetThem) {
   const std::pair<std::vector<const char*>, settings> cases[] = {
       {{}, {-1, 2}},  // unoptimised, with the default goal
       {{"-O"}, {2, 2}},

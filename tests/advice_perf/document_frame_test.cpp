@@ -13,7 +13,7 @@
 
 namespace {
 
-TEST(convert, hexadecimal_with_or_without_prefix) {
+TEST(Convert, HexadecimalWithOrWithoutPrefix) {
   EXPECT_EQ(convert<int32_t>(std::string("0x10")), 16);
   EXPECT_EQ(convert<int32_t>(std::string("10")), 16);
   EXPECT_EQ(convert<int32_t>(std::string("-1")), -1);
@@ -23,7 +23,7 @@ TEST(convert, hexadecimal_with_or_without_prefix) {
   EXPECT_EQ(convert<std::string>(uint64_t{0xABCDEF}), "0xabcdef");
 }
 
-class document_frame : public ::testing::Test {
+class DocumentFrame : public ::testing::Test {
  protected:
   TempDir dir;
   const std::string path = dir.file("advice.xml");
@@ -43,7 +43,7 @@ class document_frame : public ::testing::Test {
   }
 };
 
-TEST_F(document_frame, unreadable_files_are_empty_documents_and_get_replaced) {
+TEST_F(DocumentFrame, UnreadableFilesAreEmptyDocumentsAndGetReplaced) {
   for (const char* content : {"", "<body><version>1</version>", "<body><timestamp>1</timestamp"}) {
     write_file(path, content);
     ADVICE advice(path.c_str(), link);
@@ -55,7 +55,7 @@ TEST_F(document_frame, unreadable_files_are_empty_documents_and_get_replaced) {
   EXPECT_EQ(ADVICE(dir.path().c_str(), link).get_file_version(), -1);
 }
 
-TEST_F(document_frame, a_well_formed_file_with_another_root_is_fatal_and_left_alone) {
+TEST_F(DocumentFrame, AWellFormedFileWithAnotherRootIsFatalAndLeftAlone) {
   const std::string content = "<advice_doc><version>1</version></advice_doc>";
   write_file(path, content);
   try {
@@ -67,7 +67,7 @@ TEST_F(document_frame, a_well_formed_file_with_another_root_is_fatal_and_left_al
   EXPECT_EQ(read_file(path), content);
 }
 
-TEST_F(document_frame, any_version_is_read_and_version_1_is_written) {
+TEST_F(DocumentFrame, AnyVersionIsReadAndVersion1IsWritten) {
   write_advice("7", "0x10");
   ADVICE seven(path.c_str(), link);
   EXPECT_EQ(seven.get_file_version(), 7);
@@ -83,7 +83,7 @@ TEST_F(document_frame, any_version_is_read_and_version_1_is_written) {
   EXPECT_EQ(ADVICE(path.c_str(), link).get_timestamp(), 0u);
 }
 
-TEST_F(document_frame, documents_written_in_one_run_bear_one_time_stamp) {
+TEST_F(DocumentFrame, DocumentsWrittenInOneRunBearOneTimeStamp) {
   const std::string second = dir.file("second.xml");
   ADVICE(path.c_str(), link).output();
   ADVICE(second.c_str(), link).output();
@@ -94,7 +94,7 @@ TEST_F(document_frame, documents_written_in_one_run_bear_one_time_stamp) {
   EXPECT_LE(new_timestamp(), static_cast<uint64_t>(std::time(nullptr)));
 }
 
-TEST_F(document_frame, output_starts_with_version_and_time_stamp_and_drops_unknown_content) {
+TEST_F(DocumentFrame, OutputStartsWithVersionAndTimeStampAndDropsUnknownContent) {
   write_advice("1", "0x5",
                "<unknown>x</unknown><advice diag_code=\"27010\" advice_type=\"build_run\" "
                "option=\"\" value=\"\" extra=\"x\">text</advice>");
@@ -109,7 +109,7 @@ TEST_F(document_frame, output_starts_with_version_and_time_stamp_and_drops_unkno
   EXPECT_EQ(body.get<std::string>("advice"), "text");
 }
 
-TEST_F(document_frame, an_output_file_that_cannot_be_written_throws) {
+TEST_F(DocumentFrame, AnOutputFileThatCannotBeWrittenThrows) {
   const std::string nowhere = dir.file("no_such_dir/advice.xml");
   EXPECT_THROW(ADVICE(nowhere.c_str(), link).output(), boost::property_tree::xml_parser_error);
 }

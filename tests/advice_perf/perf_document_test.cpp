@@ -8,13 +8,13 @@ namespace {
 const char* const chart_labels =
     "option=\"--opt_level\" title=\"Vary Optimization Level\" valueLabel=\"old label\"";
 
-class perf_document : public perf_fixture {
+class PerfDocument : public perf_fixture {
  protected:
   // A run without any benchmark option.
   void plain_run() { run({}); }
 };
 
-TEST_F(perf_document, a_plain_run_keeps_labels_and_bars_and_resets_only_the_value_label) {
+TEST_F(PerfDocument, APlainRunKeepsLabelsAndBarsAndResetsOnlyTheValueLabel) {
   write_results(0x100, std::string("<chart ") + chart_labels +
                            "><bar option_value=\"3\" value=\"700\" color=\"red\"/>"
                            "<bar color=\"green\" value=\"900\" option_value=\"1\"/></chart>");
@@ -28,7 +28,7 @@ TEST_F(perf_document, a_plain_run_keeps_labels_and_bars_and_resets_only_the_valu
             (std::vector<attribute_row>{{"1", "900", "green"}, {"3", "700", "red"}}));
 }
 
-TEST_F(perf_document, bars_come_out_once_per_key_in_byte_order_and_foreign_content_is_dropped) {
+TEST_F(PerfDocument, BarsComeOutOncePerKeyInByteOrderAndForeignContentIsDropped) {
   write_results(0x100,
                 "<menu><menu_item option=\"--other\" description=\"Other\"/></menu>"
                 "<notes>kept nowhere</notes>"
@@ -53,7 +53,7 @@ TEST_F(perf_document, bars_come_out_once_per_key_in_byte_order_and_foreign_conte
   EXPECT_EQ(menu_options, (std::vector<std::string>{"--opt_for_speed", "--opt_level"}));
 }
 
-TEST_F(perf_document, reading_bars_stops_at_the_first_bad_one) {
+TEST_F(PerfDocument, ReadingBarsStopsAtTheFirstBadOne) {
   // A value that is no unsigned number, then a bar without its colour: each
   // ends the reading at itself.
   for (const char* bad_bar : {"<bar option_value=\"5\" value=\"abc\" color=\"cyan\"/>",
@@ -67,7 +67,7 @@ TEST_F(perf_document, reading_bars_stops_at_the_first_bad_one) {
   }
 }
 
-TEST_F(perf_document, a_chart_without_title_loses_its_title_and_all_bars) {
+TEST_F(PerfDocument, AChartWithoutTitleLosesItsTitleAndAllBars) {
   write_results(0x100,
                 "<chart option=\"--opt_level\" valueLabel=\"v\">"
                 "<bar option_value=\"7\" value=\"70\" color=\"cyan\"/></chart>");
@@ -78,7 +78,7 @@ TEST_F(perf_document, a_chart_without_title_loses_its_title_and_all_bars) {
   EXPECT_TRUE(bars_in_file().empty());
 }
 
-TEST_F(perf_document, an_unparsable_document_or_one_without_chart_gets_the_default_chart) {
+TEST_F(PerfDocument, AnUnparsableDocumentOrOneWithoutChartGetsTheDefaultChart) {
   for (const char* content : {"<body><version>1</version><chart option=\"x\"",
                               "<body><timestamp>0x1</timestamp><bar option_value=\"7\" "
                               "value=\"70\" color=\"cyan\"/></body>"}) {

@@ -10,9 +10,9 @@ namespace {
 using T = option_obj_test;
 using ::testing::ExitedWithCode;
 
-using args = test_table_fixture;
+using Args = test_table_fixture;
 
-TEST(radix, SuffixesAndPrefixesPickTheRadix) {
+TEST(Radix, SuffixesAndPrefixesPickTheRadix) {
   struct {
     const char* text;
     long value;
@@ -35,7 +35,7 @@ TEST(radix, SuffixesAndPrefixesPickTheRadix) {
   EXPECT_STREQ(octal_looking, "19q");
 }
 
-TEST(radix, ConversionLeavesErrnoAsTheConversionSetIt) {
+TEST(Radix, ConversionLeavesErrnoAsTheConversionSetIt) {
   errno = 0;
   option_engine::strtol_by_radix("99999999999999999999", nullptr);
   EXPECT_EQ(errno, ERANGE);
@@ -44,7 +44,7 @@ TEST(radix, ConversionLeavesErrnoAsTheConversionSetIt) {
   EXPECT_EQ(bad, 0);
 }
 
-TEST_F(args, AcceptedArgumentsAreStoredAfterTheirCheck) {
+TEST_F(Args, AcceptedArgumentsAreStoredAfterTheirCheck) {
   // One token per row on a fresh object: the option and the text it holds.
   const std::tuple<const char*, int, const char*> cases[] = {
       {"-number=1Fh", T::NUMBER, "31"},
@@ -78,7 +78,7 @@ TEST_F(args, AcceptedArgumentsAreStoredAfterTheirCheck) {
 // An unsigned option without a range of its own is handed the signed bounds,
 // so it is not "unbounded" for its type: values above them are refused, and
 // the message names both bounds, cut to 32 bits.
-TEST_F(args, RefusedArgumentsEndTheRunWithAMessageNamingOptionAndArgument) {
+TEST_F(Args, RefusedArgumentsEndTheRunWithAMessageNamingOptionAndArgument) {
   const std::pair<const char*, const char*> cases[] = {
       {"-number=-5",
        "argument to option --number \\(count\\) is out of range \\(must be a "
@@ -103,7 +103,7 @@ TEST_F(args, RefusedArgumentsEndTheRunWithAMessageNamingOptionAndArgument) {
     EXPECT_EXIT(run(token), ExitedWithCode(1), message) << token;
 }
 
-TEST_F(args, AnIdOutsideTheTableParsesNothing) {
+TEST_F(Args, AnIdOutsideTheTableParsesNothing) {
   const int outside = T::OPTION_COUNT;
   EXPECT_EQ(opts.parse_arg(outside, "", "", parse_text, nullptr), nullptr);
   EXPECT_EQ(opts.parse_arg(outside, "=-3", "", parse_number, nullptr), nullptr);

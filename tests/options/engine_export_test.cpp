@@ -9,7 +9,7 @@ namespace {
 
 using T = option_obj_test;
 
-class export_ : public test_table_fixture {
+class Export : public test_table_fixture {
  protected:
   std::string exported(int id, int index) {
     char* text = opts.export_option(id, index);
@@ -25,7 +25,7 @@ class export_ : public test_table_fixture {
   }
 };
 
-TEST(rot13, IsItsOwnInverseAndSwapsDashAndPercent) {
+TEST(Rot13, IsItsOwnInverseAndSwapsDashAndPercent) {
   std::string scrambled = option_engine::rot13("--Help_me-Zz%");
   EXPECT_EQ(scrambled, "%%Uryc_zr%Mm-");
   EXPECT_STREQ(option_engine::rot13(scrambled.c_str()), "--Help_me-Zz%");
@@ -34,7 +34,7 @@ TEST(rot13, IsItsOwnInverseAndSwapsDashAndPercent) {
             std::string(500, 'n'));
 }
 
-TEST_F(export_, FormatOfOptionFollowsTheSpellingUsed) {
+TEST_F(Export, FormatOfOptionFollowsTheSpellingUsed) {
   run("v");
   EXPECT_STREQ(opts.format_of_option(T::VERBOSE), "-v");
   run("-verbose");
@@ -47,7 +47,7 @@ TEST_F(export_, FormatOfOptionFollowsTheSpellingUsed) {
   EXPECT_STREQ(opts.internal_option_string(T::TRACE), "--trace");
 }
 
-TEST_F(export_, ExportGivesParsableText) {
+TEST_F(Export, ExportGivesParsableText) {
   run("-color=red");
   run("v");
   run("n=a");
@@ -66,7 +66,7 @@ TEST_F(export_, ExportGivesParsableText) {
   std::free(line);
 }
 
-TEST_F(export_, ListsChooseBySeenAndSetAndClass) {
+TEST_F(Export, ListsChooseBySeenAndSetAndClass) {
   run("-alpha");
   run("-alpha_beta=x");
   opts.clearopt(T::ALPHA_BETA);
@@ -89,7 +89,7 @@ TEST_F(export_, ListsChooseBySeenAndSetAndClass) {
   EXPECT_TRUE(opts.export_option_pairs(export_set, 4).empty());
 }
 
-TEST_F(export_, DumpsShowStateAndHistory) {
+TEST_F(Export, DumpsShowStateAndHistory) {
   EXPECT_EQ(capture_output(stdout, [] { T(false).dump(0); }), "");
   run("-color=green");
   run("-zip");
@@ -105,7 +105,7 @@ TEST_F(export_, DumpsShowStateAndHistory) {
   EXPECT_NE(out.find("=x.c\n"), std::string::npos);
 }
 
-TEST_F(export_, LeftColumnOfHelp) {
+TEST_F(Export, LeftColumnOfHelp) {
   const option_row& trace = opts.table().option_definitions[T::TRACE];
   EXPECT_STREQ(T::get_opt_txt(trace.long_form, trace.alt_forms, trace.short_form, trace.arg_text,
                               trace.arg_optional),
@@ -116,7 +116,7 @@ TEST_F(export_, LeftColumnOfHelp) {
                "--mode,-m[=mode]");
 }
 
-TEST_F(export_, HelpTopicMatchesNamesByPrefixAndTextsAnywhere) {
+TEST_F(Export, HelpTopicMatchesNamesByPrefixAndTextsAnywhere) {
   int matched = 0;
   std::string out = help_on("--NUM", &matched);
   EXPECT_EQ(matched, 1);
@@ -132,7 +132,7 @@ TEST_F(export_, HelpTopicMatchesNamesByPrefixAndTextsAnywhere) {
   EXPECT_EQ(matched, 0);
 }
 
-TEST_F(export_, HelpLineBreaksAfterALeftColumnOfTwentyCharacters) {
+TEST_F(Export, HelpLineBreaksAfterALeftColumnOfTwentyCharacters) {
   std::string twenty = help_on("--numbers");         // "--numbers=value_list"
   std::string twenty_one = help_on("--alpha_beta");  // "--alpha_beta=wordtext"
   EXPECT_EQ(twenty.rfind("  --numbers=value_list    A list", 0), 0u) << twenty;
@@ -140,7 +140,7 @@ TEST_F(export_, HelpLineBreaksAfterALeftColumnOfTwentyCharacters) {
       << twenty_one;
 }
 
-TEST_F(export_, HelpWithoutMatchEndsWithItsMessage) {
+TEST_F(Export, HelpWithoutMatchEndsWithItsMessage) {
   EXPECT_EXIT(
       {
         dup2(2, 1);
@@ -149,7 +149,7 @@ TEST_F(export_, HelpWithoutMatchEndsWithItsMessage) {
       ::testing::ExitedWithCode(0), ">> Help: No options match the string 'zzz'");
 }
 
-TEST_F(export_, OverviewListsTheGroupsUnderTheProgramsName) {
+TEST_F(Export, OverviewListsTheGroupsUnderTheProgramsName) {
   T::executable_name = "/usr/local/bin/tester";
   std::string out = help_on(nullptr);
   EXPECT_NE(out.find("Usage: tester [-options] filename\n"), std::string::npos);

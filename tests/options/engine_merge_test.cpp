@@ -10,7 +10,7 @@ namespace {
 using T = option_obj_test;
 
 // The accumulating object (opts) and a further file (other).
-class merge : public test_table_fixture {
+class Merge : public test_table_fixture {
  protected:
   T other;
   void SetUp() override {
@@ -24,7 +24,7 @@ class merge : public test_table_fixture {
   }
 };
 
-TEST_F(merge, ArgumentsCompareByTypeAndAMissingOneIsLowest) {
+TEST_F(Merge, ArgumentsCompareByTypeAndAMissingOneIsLowest) {
   an_argument_t none{argument_missing, {.num = 0}, 0}, none2{argument_missing, {.num = 7}, 0};
   an_argument_t minus{argument_signed, {.num = -1}, 0}, one{argument_signed, {.num = 1}, 0};
   an_argument_t big{argument_unsigned, {.unum = ~0ULL}, 0},
@@ -51,7 +51,7 @@ struct merge_case {
   std::vector<std::pair<int, const char*>> after;
 };
 
-TEST_F(merge, EachPolicyCombinesTheFurtherFileIntoTheReceiver) {
+TEST_F(Merge, EachPolicyCombinesTheFurtherFileIntoTheReceiver) {
   const merge_case cases[] = {
       {{"-alpha"}, {"-alpha"}, {{T::ALPHA, ""}}},  // and
       {{"-alpha"}, {}, {{T::ALPHA, nullptr}}},
@@ -98,7 +98,7 @@ TEST_F(merge, EachPolicyCombinesTheFurtherFileIntoTheReceiver) {
   }
 }
 
-TEST_F(merge, AGroupMemberReplacedIsAppliedOnceAndTheSameMemberRunsThePolicy) {
+TEST_F(Merge, AGroupMemberReplacedIsAppliedOnceAndTheSameMemberRunsThePolicy) {
   run("-verbose");
   give("-quiet_a");
   opts.merge_options(other);
@@ -107,7 +107,7 @@ TEST_F(merge, AGroupMemberReplacedIsAppliedOnceAndTheSameMemberRunsThePolicy) {
   EXPECT_EQ(opts.option_state[T::QUIET_A], 2);
 }
 
-TEST_F(merge, DifferencesAreReportedAndTheMergeGoesOn) {
+TEST_F(Merge, DifferencesAreReportedAndTheMergeGoesOn) {
   diag_capture capture;
   run("-alpha_beta=x");
   run("-hex=10");
@@ -141,7 +141,7 @@ TEST_F(merge, DifferencesAreReportedAndTheMergeGoesOn) {
   EXPECT_EQ(fresh.error_count, 1);
 }
 
-TEST_F(merge, InitTakesTheFirstArgumentOfOptionsWithAPolicyOtherThanNone) {
+TEST_F(Merge, InitTakesTheFirstArgumentOfOptionsWithAPolicyOtherThanNone) {
   for (const char* token : {"-names=a", "-names=b", "-mode=fast", "-zip=z", "-trace"})
     give(token);
   opts.merge_init(other);

@@ -12,9 +12,9 @@ namespace {
 
 using T = option_obj_test;
 
-using scan = test_table_fixture;
+using Scan = test_table_fixture;
 
-TEST_F(scan, EmptyTextIsAcceptedAndChangesNothing) {
+TEST_F(Scan, EmptyTextIsAcceptedAndChangesNothing) {
   EXPECT_EQ(run(""), 1);
   EXPECT_EQ(run(nullptr), 1);
   for (int id = 0; id < T::OPTION_COUNT; ++id) {
@@ -33,7 +33,7 @@ struct scan_case {
   std::vector<std::tuple<int, int, const char*>> after;
 };
 
-TEST_F(scan, TokensAcceptedAndWhatTheySet) {
+TEST_F(Scan, TokensAcceptedAndWhatTheySet) {
   const scan_case cases[] = {
       // a spelling stands in full; the shorter one commits where spellings part
       {"-alp", 0, {}},
@@ -75,7 +75,7 @@ TEST_F(scan, TokensAcceptedAndWhatTheySet) {
   }
 }
 
-TEST_F(scan, FailurePositionPointsWhereTheWalkStopped) {
+TEST_F(Scan, FailurePositionPointsWhereTheWalkStopped) {
   const char* text = "-alpx";
   const char* pos = nullptr;
   EXPECT_EQ(opts.process_option(text, &pos), 0);
@@ -88,7 +88,7 @@ TEST_F(scan, FailurePositionPointsWhereTheWalkStopped) {
   EXPECT_EQ(pos, letter + 1);
 }
 
-TEST_F(scan, ArgumentInTheNextTokenAndTheSameOptionTwice) {
+TEST_F(Scan, ArgumentInTheNextTokenAndTheSameOptionTwice) {
   script_tokens({"-looks-like-option"});
   EXPECT_EQ(run("-alpha_beta"), 1);
   EXPECT_STREQ(opts.getstrarg(T::ALPHA_BETA, 0), "-looks-like-option");
@@ -106,7 +106,7 @@ TEST_F(scan, ArgumentInTheNextTokenAndTheSameOptionTwice) {
   EXPECT_EQ(opts.option_form[T::NAMES], 1);
 }
 
-TEST_F(scan, CaseFoldingWarnsUnlessTheSpellingIsQuiet) {
+TEST_F(Scan, CaseFoldingWarnsUnlessTheSpellingIsQuiet) {
   diag_capture capture;
   EXPECT_EQ(run("-ALPHA"), 1);
   EXPECT_EQ(run("-Rate=1"), 1);
@@ -123,7 +123,7 @@ TEST_F(scan, CaseFoldingWarnsUnlessTheSpellingIsQuiet) {
   EXPECT_EQ(opts.error_count, 0);  // a warning counts nothing
 }
 
-TEST_F(scan, WhatAnOptionDoesBeyondBeingStored) {
+TEST_F(Scan, WhatAnOptionDoesBeyondBeingStored) {
   DIAGNOSTIC::remarks_m = true;
   diag_capture capture;
   // Options set as well: by a word, when the option holds a word, by number, by one more.
@@ -162,7 +162,7 @@ TEST_F(scan, WhatAnOptionDoesBeyondBeingStored) {
   EXPECT_EXIT(opts.post_process_option_depends(), ::testing::ExitedWithCode(1), "");
 }
 
-TEST_F(scan, HelpFindsItsTopicAndEndsTheRunWithZero) {
+TEST_F(Scan, HelpFindsItsTopicAndEndsTheRunWithZero) {
   // stdout goes to stderr in the child, where the regex looks
   EXPECT_EXIT(
       {

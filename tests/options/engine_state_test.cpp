@@ -8,7 +8,7 @@ namespace {
 using T = option_obj_test;
 using ::testing::ExitedWithCode;
 
-class state : public test_table_fixture {
+class State : public test_table_fixture {
  protected:
   int history_entries(int id) const {
     int count = 0;
@@ -18,7 +18,7 @@ class state : public test_table_fixture {
   }
 };
 
-TEST_F(state, ListOptionKeepsAnEntryPerSetting) {
+TEST_F(State, ListOptionKeepsAnEntryPerSetting) {
   run("-names=a");
   const char* first = opts.getstrarg(T::NAMES, 0);
   for (const char* more : {"n=b", "n=c", "n=d", "n=e", "n=f"})
@@ -29,7 +29,7 @@ TEST_F(state, ListOptionKeepsAnEntryPerSetting) {
   EXPECT_STREQ(first, "a");  // a borrowed text outlives later additions
 }
 
-TEST_F(state, SetargOnAnUnseenOptionSetsItFirst) {
+TEST_F(State, SetargOnAnUnseenOptionSetsItFirst) {
   opts.setarg(T::NUMBER, 12L);
   EXPECT_EQ(opts.option_state[T::NUMBER], 1);
   ASSERT_EQ(history_entries(T::NUMBER), 1);
@@ -39,7 +39,7 @@ TEST_F(state, SetargOnAnUnseenOptionSetsItFirst) {
   EXPECT_EQ(opts.option_state[T::ALPHA_BETA], 0);
 }
 
-TEST_F(state, TextArgumentsConvertToNumbersByRadix) {
+TEST_F(State, TextArgumentsConvertToNumbersByRadix) {
   opts.setopt(T::ALPHA_BETA, "0x10");
   EXPECT_EQ(opts.getnumarg(T::ALPHA_BETA, 0), 16);
   opts.setopt(T::COLOR, "green");
@@ -49,7 +49,7 @@ TEST_F(state, TextArgumentsConvertToNumbersByRadix) {
   EXPECT_EQ(opts.getstrarg(T::COLOR, 1), nullptr);
 }
 
-TEST_F(state, ClearoptResetsAllButSeenFormAndParsed) {
+TEST_F(State, ClearoptResetsAllButSeenFormAndParsed) {
   run("n=x");
   opts.clearopt(T::NAMES);
   EXPECT_EQ(opts.option_state[T::NAMES], 0);
@@ -61,7 +61,7 @@ TEST_F(state, ClearoptResetsAllButSeenFormAndParsed) {
   EXPECT_EQ(history_entries(T::NAMES), 0);
 }
 
-TEST_F(state, PersistentOptionSurvivesClearing) {
+TEST_F(State, PersistentOptionSurvivesClearing) {
   opts.clearopt(T::KEEP);
   opts.clearclassmembers(3);
   EXPECT_EQ(opts.option_state[T::KEEP], 1);
@@ -69,7 +69,7 @@ TEST_F(state, PersistentOptionSurvivesClearing) {
   EXPECT_EQ(history_entries(T::KEEP), 1);
 }
 
-TEST_F(state, ClassesCountMembersAndClassZeroMeansAll) {
+TEST_F(State, ClassesCountMembersAndClassZeroMeansAll) {
   EXPECT_EQ(opts.isclass(T::ZIP, 0), 1);
   EXPECT_EQ(opts.isclass(T::ZIP, 1), 0);
   EXPECT_EQ(opts.isclass(T::ALPHA_BETA, 2), 1);
@@ -86,7 +86,7 @@ TEST_F(state, ClassesCountMembersAndClassZeroMeansAll) {
   EXPECT_EQ(opts.seenclass(1), 4u);
 }
 
-TEST_F(state, QuietConflictClearsWithoutAWordUnlessDebugging) {
+TEST_F(State, QuietConflictClearsWithoutAWordUnlessDebugging) {
   diag_capture capture;
   run("-quiet_a");
   run("-quiet_b");
@@ -100,7 +100,7 @@ TEST_F(state, QuietConflictClearsWithoutAWordUnlessDebugging) {
             std::string::npos);
 }
 
-TEST_F(state, OverrideWarnsAndTheLaterOptionWinsInEitherOrder) {
+TEST_F(State, OverrideWarnsAndTheLaterOptionWinsInEitherOrder) {
   diag_capture capture;
   run("g");
   run("-over_a");
@@ -116,7 +116,7 @@ TEST_F(state, OverrideWarnsAndTheLaterOptionWinsInEitherOrder) {
   EXPECT_EQ(opts.error_count, 0);
 }
 
-TEST_F(state, HardConflictEndsTheRunAtTheSecondOption) {
+TEST_F(State, HardConflictEndsTheRunAtTheSecondOption) {
   run("-hard_a");
   EXPECT_EXIT(run("-hard_b"), ExitedWithCode(1),
               "option --hard_b conflicts with previous option --hard_a");
@@ -125,7 +125,7 @@ TEST_F(state, HardConflictEndsTheRunAtTheSecondOption) {
   EXPECT_EQ(opts.option_state[T::HARD_A], 1);
 }
 
-TEST_F(state, CopyIsDeepAndStartsWithoutHistory) {
+TEST_F(State, CopyIsDeepAndStartsWithoutHistory) {
   run("n=one");
   run("-color=red");
   opts.error_count = 3;
@@ -140,7 +140,7 @@ TEST_F(state, CopyIsDeepAndStartsWithoutHistory) {
   EXPECT_EQ(copy.option_parsed[T::NAMES], 1u);
 }
 
-TEST_F(state, AssignmentKeepsTheTargetsHistoryAndCount) {
+TEST_F(State, AssignmentKeepsTheTargetsHistoryAndCount) {
   T target;
   target.process_option("-alpha", nullptr);
   target.error_count = 2;
@@ -154,7 +154,7 @@ TEST_F(state, AssignmentKeepsTheTargetsHistoryAndCount) {
   EXPECT_STREQ(target.getstrarg(T::COLOR, 0), "green");
 }
 
-TEST_F(state, FileOptionsEnterTheHistoryByTool) {
+TEST_F(State, FileOptionsEnterTheHistoryByTool) {
   diag_capture capture;
   opts.addfileopt("a.asm", "asmzorv");
   opts.addfileopt("b.hex", "hexzorv");  // after the gap of embedded_options

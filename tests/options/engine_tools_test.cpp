@@ -12,7 +12,7 @@ namespace {
 using T = option_obj_test;
 using args = std::vector<std::string>;
 
-class tools : public test_table_fixture {
+class Tools : public test_table_fixture {
  protected:
   args line_for(const char* tool, std::vector<int> include = {0}, std::vector<int> exclude = {}) {
     argv_list list(tool, nullptr, 0);
@@ -22,7 +22,7 @@ class tools : public test_table_fixture {
   }
 };
 
-TEST_F(tools, UnknownCommandAddsNothingAndCountsOneError) {
+TEST_F(Tools, UnknownCommandAddsNothingAndCountsOneError) {
   diag_capture capture;
   run("-alpha");
   argv_list list("nosuchtool", nullptr, 0);
@@ -34,7 +34,7 @@ TEST_F(tools, UnknownCommandAddsNothingAndCountsOneError) {
             std::string::npos);
 }
 
-TEST_F(tools, EachToolGetsItsOwnTextsInTheOrderOfTheHistory) {
+TEST_F(Tools, EachToolGetsItsOwnTextsInTheOrderOfTheHistory) {
   run("-number=5");
   run("-names=a");
   run("-mode=fast");
@@ -50,7 +50,7 @@ TEST_F(tools, EachToolGetsItsOwnTextsInTheOrderOfTheHistory) {
   EXPECT_EQ(opts.error_count, 0);
 }
 
-TEST_F(tools, FileEntriesGoToTheirOwnToolOnly) {
+TEST_F(Tools, FileEntriesGoToTheirOwnToolOnly) {
   opts.addfileopt("main.obj", "lnkzorv");
   run("-names=a");
   opts.addfileopt("start.asm", "asmzorv");
@@ -61,7 +61,7 @@ TEST_F(tools, FileEntriesGoToTheirOwnToolOnly) {
   EXPECT_EQ(line_for("embedded_options"), args{"first"});
 }
 
-TEST_F(tools, ClassesSelectWhatIsHandedOn) {
+TEST_F(Tools, ClassesSelectWhatIsHandedOn) {
   run("-alpha_beta=w");  // classes 1 and 2
   run("-names=a");       // class 2
   run("-mode=safe");     // no class
@@ -73,7 +73,7 @@ TEST_F(tools, ClassesSelectWhatIsHandedOn) {
   EXPECT_EQ(all_but.args, (args{"-m=safe", "--speed=safe", "main.obj"}));
 }
 
-TEST_F(tools, AnOptionWithAnEmptyTargetListGoesNowhere) {
+TEST_F(Tools, AnOptionWithAnEmptyTargetListGoesNowhere) {
   for (int tool = T::tn_abszorv; tool <= T::tn_xrefzorv; ++tool)
     EXPECT_TRUE(opts.passto(T::INTERNAL_ROW, static_cast<T::tool_name>(tool), {0, "x"}).empty());
   EXPECT_EQ(opts.passto(T::NUMBER, T::tn_embedded_options, {0, ""}), args{"--number"});

@@ -19,9 +19,9 @@ struct depends_case {
   std::vector<std::pair<int, const char*>> settings;
 };
 
-using shell_depends = shell_options;
+using ShellDepends = shell_options;
 
-TEST_F(shell_depends, DerivedSettingsAndWarningRules) {
+TEST_F(ShellDepends, DerivedSettingsAndWarningRules) {
   const depends_case cases[] = {
       {{},
        "",
@@ -95,7 +95,7 @@ TEST_F(shell_depends, DerivedSettingsAndWarningRules) {
   }
 }
 
-TEST_F(shell_depends, ErrorsOfScanAndRulesAllReportBeforeOneExit) {
+TEST_F(ShellDepends, ErrorsOfScanAndRulesAllReportBeforeOneExit) {
   auto scan_then_pass = [this] {
     for (const char* token :
          {"-float_support=zfpa64", "-abi=coffabi", "-idiv_support", "-zcop_background_task=on",
@@ -118,7 +118,7 @@ TEST_F(shell_depends, ErrorsOfScanAndRulesAllReportBeforeOneExit) {
                               "--abi=coffabi\n")));
 }
 
-TEST_F(shell_depends, SmallDataModelStopsBeforeTheRules) {
+TEST_F(ShellDepends, SmallDataModelStopsBeforeTheRules) {
   run("-mem_model:data=small");
   run("-optimizer_comments");
   EXPECT_EXIT(opts.post_process_option_depends(), ExitedWithCode(1),

@@ -156,9 +156,10 @@ TEST_F(FileHandles, StatsReportOpenFilesAndReopens) {
   fhm.close(fhm.open(name(3).c_str(), "w"));
 
   const std::string report = write_to_string([&](FILE* out) { fhm.stats(out); });
-  EXPECT_TRUE(contains(report, " File Manager Statistics\n -----------------------\n"
-                               "    # Managed Files    3\n    # Open Files:      3\n"
-                               "    Max # Open Files:  12\n"));
+  EXPECT_TRUE(contains(report,
+                       " File Manager Statistics\n -----------------------\n"
+                       "    # Managed Files    3\n    # Open Files:      3\n"
+                       "    Max # Open Files:  12\n"));
   // Open files, the most recently used first; then the most reopened first.
   EXPECT_TRUE(contains(report, "    " + name(0) + "\n    " + name(2) + "\n    " + name(1) + "\n"));
   EXPECT_TRUE(contains(report, " --------------------------------------------\n    " + name(2) +
