@@ -69,6 +69,22 @@ TEST_F(State, PersistentOptionSurvivesClearing) {
   EXPECT_EQ(history_entries(T::KEEP), 1);
 }
 
+TEST_F(State, GetArgumentDescribesTheStoredValues) {
+  run("n=one");
+  run("n=two");
+  run("-hex=10h");
+  an_argument_t arg;
+  opts.get_argument(T::ALPHA, &arg);
+  EXPECT_EQ(arg.type, argument_missing);
+  opts.get_argument(T::HEX, &arg);
+  EXPECT_EQ(arg.value.unum, 16u);
+  opts.get_argument(T::NAMES, &arg);
+  ASSERT_EQ(arg.type, argument_list);
+  ASSERT_EQ(arg.count, 2u);
+  EXPECT_STREQ(arg.value.list[1].value.text, "two");
+  std::free(arg.value.list);
+}
+
 TEST_F(State, ClassesCountMembersAndClassZeroMeansAll) {
   EXPECT_EQ(opts.isclass(T::ZIP, 0), 1);
   EXPECT_EQ(opts.isclass(T::ZIP, 1), 0);

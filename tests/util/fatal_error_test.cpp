@@ -44,6 +44,15 @@ void tool_handler(int sig) {
   common_signal_handler(sig, "tool", "while %s", "testing");
 }
 
+TEST(InstallCommonHandlers, InstallsTheToolsHandler) {
+  struct sigaction saved, now;
+  sigaction(SIGSEGV, nullptr, &saved);
+  install_common_handlers(tool_handler, nullptr);
+  sigaction(SIGSEGV, nullptr, &now);
+  EXPECT_EQ(now.sa_handler, tool_handler);
+  sigaction(SIGSEGV, &saved, nullptr);
+}
+
 // Installs the callback, then reports sig, as a tool's handler would.
 template <typename... Args>
 [[noreturn]] void handle(signal_callback_fn callback, int sig, const char* name, const char* fmt,

@@ -5,11 +5,25 @@
 #include <cstring>
 #include <regex>
 #include <string>
+#include <utility>
 
 #include "UTIL/buildid.h"
 #include "capture.h"
 
 namespace {
+
+TEST(Version, ComposedTexts) {
+  const std::pair<const char* (*)(), const char*> texts[] = {
+      {version_full, "v25.11.0.LTS"},
+      {isa_tool_and_version_short, "ZORVEX Advice and Performance results utility Unix v25.11.0"},
+      {isa_tool_and_version_full,
+       "ZORVEX Advice and Performance results utility Unix v25.11.0.LTS"},
+      {os_and_version_short, "Unix v25.11.0"},
+      {os_and_version_full, "Unix v25.11.0.LTS"},
+      {isa_and_tool_name, "ZORVEX Advice and Performance results utility"}};
+  for (const auto& [text, expected] : texts)
+    EXPECT_STREQ(text(), expected);
+}
 
 TEST(Version, PrintedLines) {
   // The 45-character name is cut at 40; the version follows without a blank.
