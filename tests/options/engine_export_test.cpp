@@ -1,5 +1,4 @@
 // Naming, export, dumps and help over the synthetic table.
-#include <unistd.h>
 #include <cstdlib>
 #include <cstring>
 
@@ -16,12 +15,6 @@ class Export : public test_table_fixture {
     std::string result = text ? text : "(null)";
     std::free(text);
     return result;
-  }
-  std::string help_on(const char* topic, int* matched = nullptr) {
-    return capture_output(stdout, [&] {
-      const int result = opts.display_option_help(topic, 1);
-      if (matched) *matched = result;
-    });
   }
 };
 
@@ -114,53 +107,6 @@ TEST_F(Export, LeftColumnOfHelp) {
   EXPECT_STREQ(T::get_opt_txt(mode.long_form, mode.alt_forms, mode.short_form, mode.arg_text,
                               mode.arg_optional),
                "--mode,-m[=mode]");
-}
-
-TEST_F(Export, HelpTopicMatchesNamesByPrefixAndTextsAnywhere) {
-  int matched = 0;
-  std::string out = help_on("--NUM", &matched);
-  EXPECT_EQ(matched, 1);
-  EXPECT_NE(out.find("--number=count"), std::string::npos);
-  EXPECT_NE(out.find("--numbers=value_list"), std::string::npos);
-  EXPECT_EQ(out.find("--level"), std::string::npos);
-  out = help_on("CHOICE");  // help texts, in any case
-  EXPECT_NE(out.find("--color=color"), std::string::npos);
-  EXPECT_NE(out.find("--shapes=shape"), std::string::npos);
-  out = help_on("reachable");  // internal rows never show
-  EXPECT_EQ(out, "");
-  help_on("nothing at all", &matched);
-  EXPECT_EQ(matched, 0);
-}
-
-TEST_F(Export, HelpLineBreaksAfterALeftColumnOfTwentyCharacters) {
-  std::string twenty = help_on("--numbers");         // "--numbers=value_list"
-  std::string twenty_one = help_on("--alpha_beta");  // "--alpha_beta=wordtext"
-  EXPECT_EQ(twenty.rfind("  --numbers=value_list    A list", 0), 0u) << twenty;
-  EXPECT_EQ(twenty_one.rfind("  --alpha_beta=wordtext \n" + std::string(26, ' ') + "A text", 0), 0u)
-      << twenty_one;
-}
-
-TEST_F(Export, HelpWithoutMatchEndsWithItsMessage) {
-  EXPECT_EXIT(
-      {
-        dup2(2, 1);
-        opts.display_option_help("zzz", 0);
-      },
-      ::testing::ExitedWithCode(0), ">> Help: No options match the string 'zzz'");
-}
-
-TEST_F(Export, OverviewListsTheGroupsUnderTheProgramsName) {
-  T::executable_name = "/usr/local/bin/tester";
-  std::string out = help_on(nullptr);
-  EXPECT_NE(out.find("Usage: tester [-options] filename\n"), std::string::npos);
-  EXPECT_NE(out.find("'tester --help <text>' to search options"), std::string::npos);
-  size_t main_group = out.find("Main Options:");
-  size_t numbers_group = out.find("Number Options:");
-  ASSERT_NE(main_group, std::string::npos);
-  ASSERT_NE(numbers_group, std::string::npos);
-  EXPECT_LT(main_group, numbers_group);
-  EXPECT_EQ(out.find("Basic Options:"), std::string::npos);  // no row has a basic order
-  EXPECT_EQ(out.find("--internal_row"), std::string::npos);
 }
 
 }  // namespace
