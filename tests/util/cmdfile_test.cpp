@@ -53,4 +53,10 @@ TEST(Fnextopt, LongWordsComeBackWhole) {
   EXPECT_EQ(tokens(plain + " \"" + quoted + "\""), (words{plain, quoted}));
 }
 
+// The other aborts are the end-to-end cases'; exit(-1) reaches the parent as 255.
+TEST(FnextoptDeathTest, QuoteExcerptShowsLineEndsAndTabsEscaped) {
+  EXPECT_EXIT(tokens("pre\"a\tb\nc"), testing::ExitedWithCode(255),
+              "Quote starts at \"a\\\\tb\\\\nc\n$");
+}
+
 }  // namespace
