@@ -12,27 +12,19 @@ namespace {
 // What one run left in the advice object.
 struct advice_state {
   ADVICE::entry_map entries;
-  ADVICE::settings_map settings;
   bool link_advice_flag;
-
-  std::vector<std::string> keys() const {
-    std::vector<std::string> result;
-    for (const auto& [key, info] : entries)
-      result.push_back(key);
-    return result;
-  }
 };
 
 class AdviceRules : public perf_fixture {
  protected:
   // One run of the advice document alone: read, update, write.
-  advice_state advice_run(tokens shell, tokens tool = {}) {
-    scan_options(tool, shell);
+  advice_state advice_run(tokens shell) {
+    scan_options({}, shell);
     LINK_DATA link(link_path.c_str());
     ADVICE advice(advice_path.c_str(), link);
     advice.update();
     advice.output();
-    return {advice.get_entries(), advice.get_settings(), advice.get_link_advice_flag()};
+    return {advice.get_entries(), advice.get_link_advice_flag()};
   }
 
   // An advice document last written at the given time, with the given entries.
@@ -69,38 +61,6 @@ TEST_F(AdviceRules, TheLevelAdviceFollowsLevelAndDebugInformation) {
   expect_advice({"-O2", "--symdebug:none"}, "27008", low, "3");
   expect_advice({"-O3"}, "27009", three + " and debug ability will decrease.", "4");
   expect_advice({"-O3", "--symdebug:none"}, "27009", three + ".", "4");
-}
-
-TEST_F(AdviceRules, ABenchmarkEventOnlyRefreshesTheSettings) {
-  write_link(new_timestamp(), 0, 0x100);
-  const advice_state plain = advice_run({});
-  EXPECT_EQ(plain.keys(), (std::vector<std::string>{"00000", "27007", "27010"}));
-
-  // An event that the results document would refuse still counts as set.
-  const advice_state event = advice_run({"-O3"}, {"--benchmark:event=append"});
-  EXPECT_EQ(event.keys(), plain.keys());
-  EXPECT_EQ(event.entries.at("27007"), plain.entries.at("27007"));
-  EXPECT_NE(event.entries.at("00000").msg.find("--opt_level=3"), std::string::npos);
-
-  std::filesystem::remove(advice_path);
-  const advice_state fresh = advice_run({}, {"--benchmark:event=start"});
-  EXPECT_EQ(fresh.keys(), (std::vector<std::string>{"00000"}));
-  EXPECT_FALSE(fresh.link_advice_flag);
-}
-
-TEST_F(AdviceRules, TheSeriesIsProposedAfterACleanNewLink) {
-  const uint64_t written = 0x5000;
-  write_advice(written);
-  write_link(written, 0, 0x100);
-  const advice_state state = advice_run({"-O4"});
-  EXPECT_TRUE(state.link_advice_flag);
-  EXPECT_EQ(state.entries.at("27010"),
-            (ADVICE_INFO{"build_run", "", "",
-                         "advice #27010-D: Not all available code size is being used. Recommend "
-                         "running Tunewise to find best speed vs size setting (--opt_for_speed). "
-                         "Double-click to start.",
-                         "runTunewise"}));
-  EXPECT_EQ(read_tree(advice_path).get<std::string>("body.link_advice_flag"), "true");
 }
 
 TEST_F(AdviceRules, NoProposalForAnOldLinkAFailedLinkOrTheFastestGoal) {
