@@ -2,7 +2,8 @@
 // dependency rules and the end of the run.
 #include <gmock/gmock.h>
 
-#include "shell_fixture.h"
+#include "options/optobj_shell.h"
+#include "test_family.h"
 
 namespace {
 
@@ -19,7 +20,14 @@ struct depends_case {
   std::vector<std::pair<int, const char*>> settings;
 };
 
-using ShellDepends = shell_options;
+using S = option_obj_shell;
+
+// A fresh shell object with its defaults, fed one token at a time.
+class ShellDepends : public options_fixture {
+ protected:
+  S opts{true};
+  int run(const char* text) { return opts.process_option(text, nullptr); }
+};
 
 TEST_F(ShellDepends, DerivedSettingsAndWarningRules) {
   const depends_case cases[] = {
