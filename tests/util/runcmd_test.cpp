@@ -17,37 +17,28 @@
 
 namespace {
 
-// Gives the texts as the char** that run_command takes.
-class Args {
- public:
-  Args(std::vector<std::string> texts) : texts_(std::move(texts)) {
-    for (std::string& text : texts_)
-      pointers_.push_back(text.data());
-  }
-  char** data() { return pointers_.data(); }
-  int count() const { return static_cast<int>(texts_.size()); }
-
- private:
-  std::vector<std::string> texts_;
-  std::vector<char*> pointers_;
-};
+// The texts as the char** that run_command and quote_arguments take.
+std::vector<char*> pointers(std::vector<std::string>& texts) {
+  std::vector<char*> out;
+  for (std::string& text : texts)
+    out.push_back(text.data());
+  return out;
+}
 
 int run(const std::string& command, std::vector<std::string> texts, const char* option = nullptr,
         int echo_level = 0, bool report = false, timing_info* times = nullptr) {
-  Args args(std::move(texts));
-  return run_command(command.c_str(), args.data(), args.count(), option, echo_level, report, times);
+  std::vector<char*> args = pointers(texts);
+  return run_command(command.c_str(), args.data(), static_cast<int>(args.size()), option,
+                     echo_level, report, times);
 }
 
 // The quoted forms of texts and the result of quote_arguments.
 std::pair<std::vector<std::string>, int> quoted(std::vector<std::string> texts, bool quote) {
-  Args args(std::move(texts));
-  std::vector<char*> out(static_cast<size_t>(args.count()));
-  const int result = quote_arguments(args.count(), args.data(), out.data(), quote);
-  std::vector<std::string> forms;
-  for (char* form : out) {
-    forms.emplace_back(form);
+  std::vector<char*> args = pointers(texts), out(texts.size());
+  const int result = quote_arguments(static_cast<int>(args.size()), args.data(), out.data(), quote);
+  std::vector<std::string> forms(out.begin(), out.end());
+  for (char* form : out)
     free(form);
-  }
   return {forms, result};
 }
 
