@@ -53,33 +53,31 @@ TEST_F(BenchmarkRun, AnEndWhoseBestIsTheGoalLeavesNoResult) {
   start("--opt_for_speed");
   speed_build("append", "1", 100);
   speed_build("end", "3", 200, 0, {"--opt_for_speed=3"});
-  EXPECT_EQ(bars_in_file(),
-            (std::vector<attribute_row>{{"1", "100", "yellow"}, {"3", "200", "green"}}));
+  EXPECT_EQ(bars_in_file(), rows({{"1", "100", "yellow"}, {"3", "200", "green"}}));
   EXPECT_TRUE(series_entries().empty());
 }
 
 TEST_F(BenchmarkRun, AnEndWithoutAUsableBarRecommendsAnEmptyValue) {
   speed_build("end", "5", 900, 2);
-  EXPECT_EQ(bars_in_file(), (std::vector<attribute_row>{{"5", "900", "red"}}));
-  EXPECT_EQ(series_entries(), (std::vector<entry_row>{{"27011", "build_results", ""}}));
+  EXPECT_EQ(bars_in_file(), rows({{"5", "900", "red"}}));
+  EXPECT_EQ(series_entries(), rows({{"27011", "build_results", ""}}));
 }
 
 TEST_F(BenchmarkRun, TheLargestCleanBarIsTheOnlyGreenOne) {
   speed_build("append", "1", 500);
   speed_build("append", "2", 800);  // overtakes 1
-  EXPECT_EQ(bars_in_file(),
-            (std::vector<attribute_row>{{"1", "500", "yellow"}, {"2", "800", "green"}}));
+  EXPECT_EQ(bars_in_file(), rows({{"1", "500", "yellow"}, {"2", "800", "green"}}));
   speed_build("append", "3", 800);      // equal size: the later key wins
   speed_build("append", "4", 5000, 1);  // larger, but red
-  EXPECT_EQ(bars_in_file(), (std::vector<attribute_row>{{"1", "500", "yellow"},
-                                                        {"2", "800", "yellow"},
-                                                        {"3", "800", "green"},
-                                                        {"4", "5000", "red"}}));
+  EXPECT_EQ(bars_in_file(), rows({{"1", "500", "yellow"},
+                                  {"2", "800", "yellow"},
+                                  {"3", "800", "green"},
+                                  {"4", "5000", "red"}}));
   speed_build("append", "4", 700);  // rebuilt without errors under the same key
-  EXPECT_EQ(bars_in_file(), (std::vector<attribute_row>{{"1", "500", "yellow"},
-                                                        {"2", "800", "yellow"},
-                                                        {"3", "800", "green"},
-                                                        {"4", "700", "yellow"}}));
+  EXPECT_EQ(bars_in_file(), rows({{"1", "500", "yellow"},
+                                  {"2", "800", "yellow"},
+                                  {"3", "800", "green"},
+                                  {"4", "700", "yellow"}}));
 }
 
 TEST_F(BenchmarkRun, ABarNeedsANewLinkWithCode) {
@@ -91,15 +89,15 @@ TEST_F(BenchmarkRun, ABarNeedsANewLinkWithCode) {
   write_results(0x100, "<chart option=\"--opt_level\" title=\"t\" valueLabel=\"v\"/>");
   write_link(0x100, -1, 100);  // same second; an unknown error count is no error
   build("append", "--opt_level", "1");
-  EXPECT_EQ(bars_in_file(), (std::vector<attribute_row>{{"1", "100", "cyan"}}));
+  EXPECT_EQ(bars_in_file(), rows({{"1", "100", "cyan"}}));
 
   write_link(now, 0, 0);  // a link without code
   build("append", "--opt_level", "2");
-  EXPECT_EQ(bars_in_file(), (std::vector<attribute_row>{{"1", "100", "cyan"}}));
+  EXPECT_EQ(bars_in_file(), rows({{"1", "100", "cyan"}}));
 
   std::filesystem::remove(link_path);  // no link information at all
   build("end", "--opt_level", "3");
-  EXPECT_EQ(bars_in_file(), (std::vector<attribute_row>{{"1", "100", "cyan"}}));
+  EXPECT_EQ(bars_in_file(), rows({{"1", "100", "cyan"}}));
 }
 
 TEST_F(BenchmarkRun, ALevelSeriesDrawsCyanAndRedBarsAndGivesNoAdvice) {
@@ -111,22 +109,19 @@ TEST_F(BenchmarkRun, ALevelSeriesDrawsCyanAndRedBarsAndGivesNoAdvice) {
   build("append", "--opt_level", "not a level");
   write_link(now, 3, 400);
   build("end", "--opt_level", "off");
-  EXPECT_EQ(bars_in_file(),
-            (std::vector<attribute_row>{{"not a level", "300", "cyan"}, {"off", "400", "red"}}));
-  EXPECT_EQ(series_entries(),
-            (std::vector<entry_row>{{"27010", "build_run", ""}, {"27011", "build_results", "1"}}));
+  EXPECT_EQ(bars_in_file(), rows({{"not a level", "300", "cyan"}, {"off", "400", "red"}}));
+  EXPECT_EQ(series_entries(), rows({{"27010", "build_run", ""}, {"27011", "build_results", "1"}}));
 }
 
 TEST_F(BenchmarkRun, TheOptionNameIsMatchedExactlyForLevelAndInAnyCaseForSpeed) {
   write_link(now, 0, 300);
   build("append", "--OPT_LEVEL", "1");
   EXPECT_EQ(chart_attribute("option"), "--opt_for_speed");
-  EXPECT_EQ(bars_in_file(), (std::vector<attribute_row>{{"1", "300", "cyan"}}));
+  EXPECT_EQ(bars_in_file(), rows({{"1", "300", "cyan"}}));
 
   build("end", "--OPT_FOR_SPEED", "2", {"--opt_for_speed=1"});
-  EXPECT_EQ(bars_in_file(),
-            (std::vector<attribute_row>{{"1", "300", "yellow"}, {"2", "300", "green"}}));
-  EXPECT_EQ(series_entries(), (std::vector<entry_row>{{"27011", "build_results", "2"}}));
+  EXPECT_EQ(bars_in_file(), rows({{"1", "300", "yellow"}, {"2", "300", "green"}}));
+  EXPECT_EQ(series_entries(), rows({{"27011", "build_results", "2"}}));
 }
 
 TEST_F(BenchmarkRun, OnlyStartClearsTheBarsEvenWhenTheOptionChanges) {
@@ -139,13 +134,11 @@ TEST_F(BenchmarkRun, OnlyStartClearsTheBarsEvenWhenTheOptionChanges) {
   write_link(now, 0, 200);
   build("append", "--opt_level", "2");
   EXPECT_EQ(chart_attribute("option"), "--opt_level");
-  EXPECT_EQ(bars_in_file(),
-            (std::vector<attribute_row>{{"1", "100", "green"}, {"2", "200", "cyan"}}));
+  EXPECT_EQ(bars_in_file(), rows({{"1", "100", "green"}, {"2", "200", "cyan"}}));
   // A speed build afterwards turns the other series' bars yellow as well.
   speed_build("append", "3", 150);
   EXPECT_EQ(bars_in_file(),
-            (std::vector<attribute_row>{
-                {"1", "100", "yellow"}, {"2", "200", "green"}, {"3", "150", "yellow"}}));
+            rows({{"1", "100", "yellow"}, {"2", "200", "green"}, {"3", "150", "yellow"}}));
 }
 
 TEST_F(BenchmarkRun, AnIncompleteEventIsRefusedAndLeavesTheChartAlone) {
@@ -172,7 +165,7 @@ TEST_F(BenchmarkRun, AnIncompleteEventIsRefusedAndLeavesTheChartAlone) {
     EXPECT_EQ(capture_output(stderr, [&] { run(call.args); }), call.message);
     EXPECT_EQ(chart_attribute("option"), "--opt_level");
     EXPECT_EQ(chart_attribute("title"), "t");
-    EXPECT_EQ(bars_in_file(), (std::vector<attribute_row>{{"3", "5", "cyan"}}));
+    EXPECT_EQ(bars_in_file(), rows({{"3", "5", "cyan"}}));
     EXPECT_TRUE(series_entries().empty());
   }
   EXPECT_EQ(DIAGNOSTIC::error_count_m, errors_before);

@@ -24,8 +24,7 @@ TEST_F(PerfDocument, APlainRunKeepsLabelsAndBarsAndResetsOnlyTheValueLabel) {
   EXPECT_EQ(chart_attribute("option"), "--opt_level");
   EXPECT_EQ(chart_attribute("title"), "Vary Optimization Level");
   EXPECT_EQ(chart_attribute("valueLabel"), "Code Size (bytes)");
-  EXPECT_EQ(bars_in_file(),
-            (std::vector<attribute_row>{{"1", "900", "green"}, {"3", "700", "red"}}));
+  EXPECT_EQ(bars_in_file(), rows({{"1", "900", "green"}, {"3", "700", "red"}}));
 }
 
 TEST_F(PerfDocument, BarsComeOutOncePerKeyInByteOrderAndForeignContentIsDropped) {
@@ -41,8 +40,7 @@ TEST_F(PerfDocument, BarsComeOutOncePerKeyInByteOrderAndForeignContentIsDropped)
                 "</chart>");
   plain_run();
   EXPECT_EQ(bars_in_file(),
-            (std::vector<attribute_row>{
-                {"1", "30", "yellow"}, {"10", "20", "green"}, {"2", "4294967295", "yellow"}}));
+            rows({{"1", "30", "yellow"}, {"10", "20", "green"}, {"2", "4294967295", "yellow"}}));
   const ptree tree = read_tree(results_path);
   EXPECT_EQ(tree.get_child("body").count("notes"), 0u);
   EXPECT_EQ(tree.get_child("body.chart").count("legend"), 0u);
@@ -63,7 +61,7 @@ TEST_F(PerfDocument, ReadingBarsStopsAtTheFirstBadOne) {
                              "><bar option_value=\"7\" value=\"70\" color=\"cyan\"/>" + bad_bar +
                              "<bar option_value=\"0\" value=\"10\" color=\"cyan\"/></chart>");
     plain_run();
-    EXPECT_EQ(bars_in_file(), (std::vector<attribute_row>{{"7", "70", "cyan"}}));
+    EXPECT_EQ(bars_in_file(), rows({{"7", "70", "cyan"}}));
   }
 }
 

@@ -24,6 +24,7 @@ using tokens = std::vector<std::string>;
 // A bar as the file shows it: option_value, value, color.
 // Three attributes of one element as written in a document.
 using attribute_row = std::tuple<std::string, std::string, std::string>;
+using rows = std::vector<attribute_row>;
 
 class perf_fixture : public ::testing::Test {
  protected:
