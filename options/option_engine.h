@@ -121,6 +121,7 @@ class option_engine {
   void get_argument(int id, an_argument_t* arg) const;
   int args_match_list(int id, const char* const* list) const;
   int debug_level(int) const { return debug; }
+  // Borrowed from the object; valid until the next record_input_command_line.
   const char* input_command_line() const { return command_line.c_str(); }
 
   // --- setting
@@ -150,6 +151,9 @@ class option_engine {
   void deprecated_case(const char* end, const char* canonical);
 
   // --- arguments
+  // The checked argument text: a pointer into rest (behind its "="), or the
+  // next token of the stream; null for an optional argument left out. Borrowed
+  // from the caller's text or the stream, never freed here.
   const char* parse_arg(int id, const char* rest, const char* name, int type,
                         const arg_range* range);
   int parse_oneof(int id, const char* rest, const char* name, int type, long* value);
