@@ -3,28 +3,15 @@
 #include "ADVICE_PERF/advice.h"
 
 #include "ADVICE_PERF/build_settings.h"
-#include "ADVICE_PERF/driver.h"
 #include "ADVICE_PERF/link_data.h"
 #include "DIAG/messages.h"
-#include "options/optobj.h"
-#include "options/optobj_shell.h"
 
 #include <string>
 
-namespace {
-
-bool shell_option_set(option_obj_shell::option_id id) {
-  return global_options->option_state[id] != 0;
-}
-
-}  // namespace
-
 void ADVICE::update() {
   current_settings();
-  // Entry texts are single lines.
-  DIAGNOSTIC::wrap_enabled_m = false;
   // A benchmark event leaves the other advice as the last plain run left it.
-  if (cmdline_options->option_state[option_obj::BENCHMARK__EVENT] != 0) return;
+  if (tool_option_given(option_obj::BENCHMARK__EVENT)) return;
   advice_option_settings();
   advice_linker();
   advice_perf_results();

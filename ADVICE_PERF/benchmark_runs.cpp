@@ -3,12 +3,10 @@
 // size-vs-speed series, the advice document.
 #include "ADVICE_PERF/advice.h"
 #include "ADVICE_PERF/build_settings.h"
-#include "ADVICE_PERF/driver.h"
 #include "ADVICE_PERF/link_data.h"
 #include "ADVICE_PERF/perf_results.h"
 #include "ADVICE_PERF/xml_text.h"
 #include "UTIL/strcase.h"
-#include "options/optobj.h"
 
 #include <cstdio>
 #include <cstring>
@@ -28,23 +26,12 @@ static_assert(static_cast<long>(event::start) == 3 && static_cast<long>(event::a
                   static_cast<long>(event::end) == 2,
               "the benchmark events keep the numbers the environment relies on");
 
-bool given(option_obj::option_id id) {
-  return cmdline_options->option_state[id] != 0;
-}
-
 event benchmark_event() {
-  if (!given(option_obj::BENCHMARK__EVENT)) return event::none;
-  return static_cast<event>(cmdline_options->getnumarg(option_obj::BENCHMARK__EVENT, 0));
-}
-
-// The text of a string option, or "" when it was not given.
-const char* text_of(option_obj::option_id id) {
-  const char* text = given(id) ? cmdline_options->getstrarg(id, 0) : nullptr;
-  return text ? text : "";
+  return static_cast<event>(tool_option_number(option_obj::BENCHMARK__EVENT));
 }
 
 const char* varied_option() {
-  return text_of(option_obj::BENCHMARK__OPTION);
+  return tool_option_text(option_obj::BENCHMARK__OPTION);
 }
 
 // Whether the series varies the size-vs-speed setting, in any case of letters.
@@ -58,12 +45,13 @@ bool PERF_RESULTS::process_args() {
   const event step = benchmark_event();
   if (step == event::none) return false;
   if (step == event::start) {
-    if (given(option_obj::BENCHMARK__OPTION)) return true;
+    if (tool_option_given(option_obj::BENCHMARK__OPTION)) return true;
     std::fputs(">> Aborting - --benchmark:event=start requires --benchmark:option=option_to_vary\n",
                stderr);
     return false;
   }
-  if (given(option_obj::BENCHMARK__OPTION) && given(option_obj::BENCHMARK__OPTION_VALUE))
+  if (tool_option_given(option_obj::BENCHMARK__OPTION) &&
+      tool_option_given(option_obj::BENCHMARK__OPTION_VALUE))
     return true;
   std::fputs(
       ">> Aborting - --benchmark:event=append/end requires --benchmark:option=option_to_vary and "
@@ -127,7 +115,7 @@ void PERF_RESULTS::update_bar_chart(std::string color, uint32_t value) {
   // The key as the document will hold it, so a key with bytes XML can't carry
   // finds its bar again in the next run.
   const std::string key =
-      strict_xml_text(benchmarking ? text_of(option_obj::BENCHMARK__OPTION_VALUE) : "");
+      strict_xml_text(benchmarking ? tool_option_text(option_obj::BENCHMARK__OPTION_VALUE) : "");
   if (value == 0 || key.empty()) return;
   bars[key] = PERF_INFO{value, std::move(color)};
 }

@@ -1,7 +1,6 @@
 #include "ADVICE_PERF/build_settings.h"
 
 #include "ADVICE_PERF/driver.h"
-#include "options/optobj_shell.h"
 
 namespace {
 
@@ -14,7 +13,7 @@ struct word_setting {
 // holds a word the mapping does not know.
 template <size_t N>
 int setting_of(option_obj_shell::option_id id, const word_setting (&mapping)[N]) {
-  if (global_options->option_state[id] == 0) return -1;
+  if (!shell_option_set(id)) return -1;
   const long value = global_options->getnumarg(id, 0);
   for (const word_setting& entry : mapping)
     if (entry.item_value == value) return entry.setting;
@@ -45,4 +44,21 @@ int opt_level() {
 
 int size_speed_goal() {
   return setting_of(shell::SIZE_SPEED_GOAL, size_speed_goals);
+}
+
+bool shell_option_set(option_obj_shell::option_id id) {
+  return global_options->option_state[id] != 0;
+}
+
+bool tool_option_given(option_obj::option_id id) {
+  return cmdline_options->option_state[id] != 0;
+}
+
+long tool_option_number(option_obj::option_id id) {
+  return tool_option_given(id) ? cmdline_options->getnumarg(id, 0) : 0;
+}
+
+const char* tool_option_text(option_obj::option_id id) {
+  const char* text = tool_option_given(id) ? cmdline_options->getstrarg(id, 0) : nullptr;
+  return text ? text : "";
 }

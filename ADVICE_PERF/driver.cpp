@@ -57,6 +57,9 @@ namespace {
 // options while a command file is open, the tool's own options otherwise.
 void route_token(const char* token) {
   if (token[0] != '-') {
+    // The errno text belongs to no failure of the token: it is whatever the
+    // last failing library call left. The line has always carried it, and the
+    // environment's readers expect it, so it stays.
     std::fprintf(stderr, ">> Ignoring non-option input: %s %s\n", std::strerror(errno), token);
     return;
   }
@@ -119,6 +122,9 @@ void update_documents() {
       std::make_unique<LINK_DATA>(cmdline_options->getstrarg(option_obj::XML_LINK_INFO, 0));
   auto advice = std::make_unique<ADVICE>(advice_file, *link_data);
   auto perf_results = std::make_unique<PERF_RESULTS>(results_file, *link_data, advice.get());
+  // Advice entries are texts the diagnostics build as single lines, so
+  // wrapping stops here; messages of the reading above still wrap.
+  DIAGNOSTIC::wrap_enabled_m = false;
   advice->update();
   perf_results->update();
   perf_results->output();

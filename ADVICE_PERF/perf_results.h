@@ -53,7 +53,8 @@ class PERF_RESULTS : public PTREE_INFO {
  private:
   void init();
   // Whether the benchmark options make a valid event; complains on stderr
-  // about an event that lacks the options it needs.
+  // about an event that lacks the options it needs. (The name is the one the
+  // toolchain's other tools use for this step.)
   bool process_args();
   void set_chart_labels();
   void update_menu();
@@ -62,6 +63,7 @@ class PERF_RESULTS : public PTREE_INFO {
   void append();
   void update_bar_chart(std::string color, uint32_t value);
   // Colours the bars of a size-vs-speed series and returns the best key, or "".
+  // "mf" is the short form of --opt_for_speed; the toolchain knows the step by this name.
   std::string find_best_mf_setting();
 
   menu_map menu;  // both maps in byte order of their keys, the file's order

@@ -29,7 +29,9 @@ std::vector<dc_SEVERITY> DIAGNOSTIC::saved_severities_m;
 
 namespace {
 
-// The tool's own position reported with the error-limit message.
+// The tool's own position reported with the error-limit message. It is a
+// fixed text, not __FILE__ and __LINE__: the message has always named this
+// position, and its readers match the text, so it must not move with edits.
 constexpr const char* limit_src_file = "DIAG/diag";
 constexpr unsigned limit_src_line = 151;
 

@@ -105,8 +105,11 @@ class DIAGNOSTIC {
 
   // Formatting of messages.
   int print_header();
-  int print(const char* format, ...);
-  char* sp_print(const char* format, ...);
+  // Prints the formatted text to fp() with the line wrap; gives its length.
+  int print(const char* format, ...) __attribute__((format(printf, 2, 3)));
+  // The formatted text, wrapped for documents, in a buffer the core owns and
+  // never frees: it lives until the end of the process.
+  char* sp_print(const char* format, ...) __attribute__((format(printf, 2, 3)));
   char* print_formatted(const char* text, bool to_buffer, int32_t* cols, int diag_cols, int indent,
                         int wrap_indent);
   static const char* last_printable_char(const char* text, int max);
@@ -114,7 +117,8 @@ class DIAGNOSTIC {
   static std::string srcinfo_str(const DIAG_SRCINFO* src);
   void show_annotated_source();
 
-  // Severity overrides of catalogue rows.
+  // Severity overrides of catalogue rows. Carried for the toolchain's other
+  // tools; no step of an advzorv run calls them.
   static void override_severity(int code, dc_SEVERITY sev);
   static void override_severity(const char* codes, dc_SEVERITY sev);
   static void override_severity(dc_SEVERITY from, dc_SEVERITY to);

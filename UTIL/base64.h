@@ -1,4 +1,5 @@
 #pragma once
+// Carried for the toolchain's other tools; no step of an advzorv run calls it.
 // Base64 (RFC 4648 alphabet, "=" padding), one group of 24 bits at a time. The
 // encoders return one static buffer of four characters and a terminator, which
 // the next call overwrites.

@@ -1,4 +1,5 @@
 #pragma once
+// Carried for the toolchain's other tools; no step of an advzorv run calls it.
 // Environment variables that may carry the ISA prefix: for a name N the variables
 // "<prefix>_N" (primary, then secondary prefix) and N are tried in that order.
 #include <functional>

@@ -1,4 +1,5 @@
 #pragma once
+// Carried for the toolchain's other tools; no step of an advzorv run calls it.
 // Lets a program hold more files open than the system allows: files are handed
 // out as FHM_FILE objects, at most max_handles real streams are open at a time,
 // and a file whose stream was taken (evicted) gets a new one at the same

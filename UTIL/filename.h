@@ -1,4 +1,5 @@
 #pragma once
+// Carried for the toolchain's other tools; no step of an advzorv run calls it.
 // Taking file names apart, building them, and touching the files they name.
 // Names are plain char texts with "/" as the separator.
 #include <string>

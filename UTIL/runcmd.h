@@ -1,4 +1,5 @@
 #pragma once
+// Carried for the toolchain's other tools; no step of an advzorv run calls it.
 // Running another tool of the toolchain as a child process: the arguments are
 // collected in an argv_list, quoted, and handed over on the command line or,
 // when the line would be too long, through a temporary command file.

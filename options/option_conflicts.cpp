@@ -6,17 +6,17 @@
 #include "DIAG/messages.h"
 #include "options/option_engine.h"
 
-// Applies the conflict row of an option that has just been set: 1 clears
-// the earlier option quietly, 2 clears it with a warning, 3 ends the run.
+// Applies the conflict row of an option that has just been set to the
+// options set before it (see conflict_value).
 void option_engine::do_conflicts(int id) {
   if (!valid(id)) return;
   const uint8_t* cells = table_->conflicts + static_cast<size_t>(id) * table_->n;
   for (unsigned other = 0; other < table_->n; ++other) {
-    if (option_state[other] == 0 || cells[other] == 0) continue;
+    if (option_state[other] == 0 || cells[other] == conflict_none) continue;
     std::string option = format_of_option(id);
     std::string previous = format_of_option(static_cast<int>(other));
     switch (cells[other]) {
-      case 1:
+      case conflict_quiet:
         if (debug) {
           DIAG::optgen_conflict_quiet_option diag(__FILE__, __LINE__, option.c_str(),
                                                   previous.c_str());
@@ -24,14 +24,14 @@ void option_engine::do_conflicts(int id) {
         }
         clearopt(static_cast<int>(other));
         break;
-      case 2: {
+      case conflict_override: {
         DIAG::optgen_conflict_override_option diag(__FILE__, __LINE__, option.c_str(),
                                                    previous.c_str());
         report_diagnostic(diag);
         clearopt(static_cast<int>(other));
         break;
       }
-      default: {
+      default: {  // conflict_fatal
         DIAG::optgen_conflict_option diag(__FILE__, __LINE__, option.c_str(), previous.c_str());
         report_diagnostic(diag);
         end_run();

@@ -14,10 +14,6 @@
 class DIAGNOSTIC;
 class argv_list;
 
-// Names a generated part of a table in #include: OO_STRINGIFY(options/x.inc).
-#define OO_STRINGIFY_(text) #text
-#define OO_STRINGIFY(text) OO_STRINGIFY_(text)
-
 // An owned copy of a text argument. The characters stay where they are when
 // the argument itself moves, so a text handed out by getstrarg survives
 // further arguments being added to the same option.
@@ -113,10 +109,19 @@ class option_engine {
   unsigned seenclass(int cls) const;
   int getargcount(int id) const;
   long getnumarg(int id, unsigned index) const;
+  // The argument at index as text, or null if there is none. Borrowed, never
+  // freed by the caller: a text argument lives in the object until the option
+  // is cleared or reset; a one-of word lives in the table; a number is
+  // printed into a static ring of 15 buffers, so it lives for 14 further
+  // calls of getstrarg (by any object).
   const char* getstrarg(int id, unsigned index) const;
+  // Fills *arg with the option's first argument, or for a list option with
+  // all of them: then arg->value.list is a new array that the caller frees
+  // with free(); its texts are borrowed as from getstrarg.
   void get_argument(int id, an_argument_t* arg) const;
   int args_match_list(int id, const char* const* list) const;
   int debug_level(int) const { return debug; }
+  // Borrowed from the object; valid until the next record_input_command_line.
   const char* input_command_line() const { return command_line.c_str(); }
 
   // --- setting
@@ -146,6 +151,9 @@ class option_engine {
   void deprecated_case(const char* end, const char* canonical);
 
   // --- arguments
+  // The checked argument text: a pointer into rest (behind its "="), or the
+  // next token of the stream; null for an optional argument left out. Borrowed
+  // from the caller's text or the stream, never freed here.
   const char* parse_arg(int id, const char* rest, const char* name, int type,
                         const arg_range* range);
   int parse_oneof(int id, const char* rest, const char* name, int type, long* value);
@@ -161,24 +169,42 @@ class option_engine {
   virtual void post_process_option_depends();
 
   // --- export and listing
+  // The text with letters moved 13 places and '%' and '-' swapped (how the
+  // table stores names). The result is one of a static ring of five buffers:
+  // borrowed, and valid until four further calls of rot13 (by any object).
   static const char* rot13(const char* text);
+  // The spelling the option was given in, or its long form; null for an id
+  // outside the table. A rot13 result: valid until four further rot13 calls.
   const char* format_of_option(int id) const;
+  // The option's long form; a rot13 result, as above.
   const char* internal_option_string(int id) const;
+  // The option (with its argument at index) as it would be spelled on a
+  // command line, or null if it holds no such argument. The caller frees the
+  // text with free().
   char* export_option(int id, int index) const;
+  // The ids of the options that match type (export_all, export_set, ...), in
+  // id order and closed by the table's option count. The caller frees the
+  // array with free().
   int* export_option_list(int type) const;
+  // As export_option_list, for the members of class cls only.
   int* export_option_class(int type, int cls) const;
   std::vector<optlist> export_option_pairs(int type, int cls) const;
   std::vector<int> class_list_for_option(int id) const;
+  // Every set option as export_option spells it, blank-separated. The caller
+  // frees the text with free().
   char* print() const;
   void dump(int all) const;
   void dump_history() const;
   int display_option_help(const char* topic, int keep_going) const;
   void dump_basic_class() const;
   void dump_class(int help_class) const;
+  // The left column of an option's help line (its spellings and argument).
+  // The text is a static buffer: borrowed, and valid until the next call.
   static const char* get_opt_txt(const char* long_form, const char* const* alt_forms,
                                  const char* short_form, const char* arg_text, int optional);
 
-  // --- merging the options of several files (policies per option in the table)
+  // --- merging the options of several files (policies per option in the table);
+  // carried for the toolchain's other tools, no step of an advzorv run calls it
   void merge_init(const option_engine& other);
   void merge_options(const option_engine& other);
   void do_merge_conflicts(int id, const option_engine& other);
@@ -195,7 +221,8 @@ class option_engine {
   // when the group was resolved here and the option's policy is skipped.
   bool mutex_merge_override(int id, const option_engine& other);
 
-  // --- tool command lines
+  // --- tool command lines; carried for the toolchain's other tools, no step
+  // of an advzorv run calls them
   // Adds the options of the history (in its order) that go to the list's
   // tool: all options, all but those of the excluded classes, or those of
   // the included classes less those of the excluded ones.
@@ -229,7 +256,7 @@ class option_engine {
   void store_arg(int id, option_arg arg);
   const char* item_word(int id, long value) const;
   std::string value_text(int id, unsigned index) const;
-  void trace(const char* format, ...) const;
+  void trace(const char* format, ...) const __attribute__((format(printf, 2, 3)));
   void trace_arg(int id) const;
 
   // merging internals

@@ -19,7 +19,7 @@ struct held_argument {
   held_argument(const held_argument&) = delete;
   held_argument& operator=(const held_argument&) = delete;
   ~held_argument() {
-    if (arg.type == 3) std::free(arg.value.list);
+    if (arg.type == argument_list) std::free(arg.value.list);
   }
 };
 
@@ -61,13 +61,13 @@ bool merge_by_pairs(const merge_pair* pairs, const an_argument_t& mine, const an
 bool operator==(const an_argument_t& a, const an_argument_t& b) {
   if (a.type != b.type) return false;
   switch (a.type) {
-    case 0:
-    case 1:
+    case argument_signed:
+    case argument_unsigned:
       return a.value.unum == b.value.unum;
-    case 2:
+    case argument_text:
       if (!a.value.text || !b.value.text) return a.value.text == b.value.text;
       return std::strcmp(a.value.text, b.value.text) == 0;
-    case 3:
+    case argument_list:
       if (a.count != b.count) return false;
       for (uint32_t i = 0; i < a.count; ++i)
         if (!(a.value.list[i] == b.value.list[i])) return false;
@@ -78,15 +78,15 @@ bool operator==(const an_argument_t& a, const an_argument_t& b) {
 }
 
 bool operator>(const an_argument_t& a, const an_argument_t& b) {
-  if (a.type == 4) return false;
-  if (b.type == 4) return true;
+  if (a.type == argument_missing) return false;
+  if (b.type == argument_missing) return true;
   if (a.type != b.type) return false;
   switch (a.type) {
-    case 0:
+    case argument_signed:
       return a.value.num > b.value.num;
-    case 1:
+    case argument_unsigned:
       return a.value.unum > b.value.unum;
-    case 2:
+    case argument_text:
       return std::strcmp(a.value.text ? a.value.text : "", b.value.text ? b.value.text : "") > 0;
     default:
       return false;

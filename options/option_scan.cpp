@@ -160,10 +160,10 @@ void option_engine::after_store(const scan_row& spelling, const char* rest) {
   for (unsigned i = 0; i < table_->deprecation_count; ++i) {
     const deprecation& dep = table_->deprecations[i];
     if (dep.id != id) continue;
-    if (dep.severity >= 6) {
+    if (dep.severity >= deprecated_error) {
       DIAG::optgen_depdiag_error diag(__FILE__, __LINE__, dep.text);
       report_diagnostic(diag);
-    } else if (dep.severity == 5) {
+    } else if (dep.severity == deprecated_warning) {
       DIAG::optgen_depdiag_warning diag(__FILE__, __LINE__, dep.text);
       report_diagnostic(diag);
     } else {

@@ -160,19 +160,19 @@ void option_engine::get_argument(int id, an_argument_t* arg) const {
   arg->value.num = 0;
   switch (kind(id)) {
     case kind_none:
-      arg->type = 4;
+      arg->type = argument_missing;
       return;
     case kind_string:
-      arg->type = 2;
+      arg->type = argument_text;
       arg->value.text = getstrarg(id, 0);
       return;
     case kind_hexnum:
-      arg->type = 1;
+      arg->type = argument_unsigned;
       arg->value.num = getnumarg(id, 0);
       return;
     case kind_number:
     case kind_oneof:
-      arg->type = 0;
+      arg->type = argument_signed;
       arg->value.num = getnumarg(id, 0);
       return;
     default:
@@ -182,14 +182,14 @@ void option_engine::get_argument(int id, an_argument_t* arg) const {
   auto* list = static_cast<an_argument_t*>(safecalloc(count ? count : 1, sizeof(an_argument_t)));
   for (unsigned i = 0; i < count; ++i) {
     if (kind(id) == kind_string_list) {
-      list[i].type = 2;
+      list[i].type = argument_text;
       list[i].value.text = getstrarg(id, i);
     } else {
-      list[i].type = 0;
+      list[i].type = argument_signed;
       list[i].value.num = getnumarg(id, i);
     }
   }
-  arg->type = 3;
+  arg->type = argument_list;
   arg->value.list = list;
   arg->count = count;
 }

@@ -6,9 +6,18 @@
 
 class option_engine;
 
+// What an an_argument_t holds.
+enum argument_type : uint32_t {
+  argument_signed = 0,
+  argument_unsigned = 1,
+  argument_text = 2,
+  argument_list = 3,
+  argument_missing = 4,
+};
+
 // One argument as handed out by get_argument.
 struct an_argument_t {
-  uint32_t type;  // 0 signed, 1 unsigned, 2 text, 3 list, 4 no argument
+  uint32_t type;  // an argument_type
   union {
     int64_t num;
     uint64_t unum;
@@ -19,7 +28,7 @@ struct an_argument_t {
 };
 
 // Equal: same type and value, texts compared exactly, lists element by
-// element. In the order a missing argument (type 4) is below all others;
+// element. In the order a missing argument is below all others;
 // numbers compare by their signedness, texts bytewise; different types
 // and lists have no order.
 bool operator==(const an_argument_t& a, const an_argument_t& b);
@@ -144,9 +153,26 @@ struct also_set {
   bool increment;         // the target's number grows by 1 (0 before the first)
 };
 
+// The severities of deprecation notices, numbered as the message catalogue
+// numbers its severities.
+enum deprecation_severity : int {
+  deprecated_remark = 4,
+  deprecated_warning = 5,
+  deprecated_error = 6,
+};
+
+// What setting an option does to a conflicting option set before it: the
+// cells of the conflict matrix (and 3 in the merge conflict matrix).
+enum conflict_value : uint8_t {
+  conflict_none = 0,
+  conflict_quiet = 1,     // cleared without a word
+  conflict_override = 2,  // cleared with a warning
+  conflict_fatal = 3,     // an error that ends the run
+};
+
 struct deprecation {
   int id;
-  int severity;  // 4 remark, 5 warning, 6 error
+  int severity;  // a deprecation_severity
   const char* text;
 };
 

@@ -2,10 +2,7 @@
 // option_obj: the tool's own command-line options.
 #include "options/option_engine.h"
 
-// The generated part of the table; the slash is part of a path, so no formatting.
-// clang-format off
-#define OO_TABLE_INC(part) OO_STRINGIFY(options/optobj_##part.inc)
-// clang-format on
+#define OO_TABLE_INC "options/optobj.inc"
 
 class option_obj : public option_engine {
 #include "options/family_members.h"

@@ -3,10 +3,7 @@
 // the command file.
 #include "options/option_engine.h"
 
-// The generated part of the table; the slash is part of a path, so no formatting.
-// clang-format off
-#define OO_TABLE_INC(part) OO_STRINGIFY(options/optobj_shell_##part.inc)
-// clang-format on
+#define OO_TABLE_INC "options/optobj_shell.inc"
 
 class option_obj_shell : public option_engine {
 #include "options/family_members.h"

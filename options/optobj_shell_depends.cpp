@@ -1,7 +1,6 @@
 // The pass over the compiler shell's options after the last token: settings
 // that depend on others, the dependency rules of the table, and the end of
 // the run when errors were counted.
-#include <iterator>
 #include <string>
 
 #include "DIAG/messages.h"
@@ -24,24 +23,17 @@ struct depend_rule {
   const char* const* other_words;  // null-closed
 };
 
-// The generated part of the table; the slash is part of a path, so no formatting.
-// clang-format off
-#define OO_TABLE_INC(part) OO_STRINGIFY(options/optobj_shell_##part.inc)
-// clang-format on
+#define OO_TABLE_INC "options/optobj_shell.inc"
 
 #define DEPEND_RULE(index, subject, word, with, other, text, severity, ...) \
   const char* const rule_words_##index[] = {__VA_ARGS__ __VA_OPT__(, ) nullptr};
-#include OO_TABLE_INC(depend_rules)
-#undef DEPEND_RULE
+#include OO_TABLE_INC
 
 const depend_rule depend_rules[] = {
 #define DEPEND_RULE(index, subject, word, with, other, text, severity, ...) \
   {S::subject, word, with, S::other, text, severity, rule_words_##index},
-#include OO_TABLE_INC(depend_rules)
-#undef DEPEND_RULE
+#include OO_TABLE_INC
 };
-
-static_assert(std::size(depend_rules) == 19);
 
 // What the pass asks of an option: "set" is a non-zero state, "given" also
 // means that the scanner recognised it (not a default or a derived setting),

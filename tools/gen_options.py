@@ -1,7 +1,11 @@
 #!/usr/bin/env python3
-"""Generate the X-macro tables of one option table from its .opt source.
+"""Generate the X-macro table of one option family from its .opt source.
 
-Usage: gen_options.py SOURCE.opt OUTDIR PREFIX
+Usage: gen_options.py SOURCE.opt OUTPUT.inc
+
+The output is one file of sections, each between #ifdef MACRO and #endif, so a
+file that includes it compiles only the sections whose macros it defines (and
+the file undefines them again): see options/table_builder.h.
 
 The source holds a table header, the help classes and one record per option
 (see options/optobj.opt for the format).  Everything numeric is derived here:
@@ -33,6 +37,7 @@ ONEOF_PARSE = {6, 7}
 KIND_PARSE = {1: {3}, 2: NUMERIC_PARSE, 3: NUMERIC_PARSE, 4: {6},
               5: {4}, 6: NUMERIC_PARSE, 7: {7}}
 SEVERITIES = {"remark": 4, "warning": 5, "error": 6}
+CONFLICT_VALUES = (1, 2, 3)
 RULE_KINDS = {"warning": 5, "error": 6}
 MERGE_POLICIES = ("none", "main", "exact", "exact_notset", "or", "and", "max", "min",
                   "custom")
@@ -60,6 +65,8 @@ ACTIONS = {
 HANDLER_NONE, HANDLER_ARG, HANDLER_ONEOF, HANDLER_HELP = range(4)
 SIGNED_MAX = 0x7FFFFFFFFFFFFFFF
 UNSIGNED_MAX = 0xFFFFFFFFFFFFFFFF
+# The ids of the file options: this many from the table's first_fileopt on.
+FILE_OPTION_SLOTS = 30
 NAME_RE = re.compile(r"^[A-Z][A-Z0-9_]*$")
 
 
@@ -220,7 +227,7 @@ def parse_int(text, fail, what):
         return int(text, 0)
     except ValueError:
         fail("%s must be a number, not '%s'" % (what, text))
-        return None
+        return
 
 
 def parse_table_line(table, key, args, lineno, fail):
@@ -250,137 +257,231 @@ def parse_table_line(table, key, args, lineno, fail):
         fail("bad table line '%s'" % " ".join([key] + args))
 
 
+# Record keywords that may appear more than once in a record.
+REPEATABLE = {"spelling", "also_sets", "conflicts", "conflict_group", "rule", "merge_pair",
+              "merge_conflicts"}
+
+
 def parse_record_line(rec, key, args, lineno, fail):
-    if key in rec.fields and key not in ("spelling", "also_sets", "conflicts",
-                                         "conflict_group", "rule", "merge_pair",
-                                         "merge_conflicts"):
+    if key in rec.fields and key not in REPEATABLE:
         fail("'%s' given twice" % key)
         return
     rec.fields[key] = lineno
-    if key == "spelling":
-        if not args or not args[0].startswith("-"):
-            fail("a spelling begins with '-'")
-            return
-        sp = Spelling(args[0], lineno)
-        for flag in args[1:]:
-            if flag in ("scan_only", "unscanned", "shown_first", "quiet_case"):
-                setattr(sp, flag, True)
-            elif flag.startswith("continue=") and flag[9:] in CONTINUATIONS:
-                sp.continuation = flag[9:]
-            else:
-                fail("unknown spelling flag '%s'" % flag)
-        rec.spellings.append(sp)
-    elif key == "kind" and len(args) == 1 and args[0] in KINDS:
-        rec.kind = KINDS[args[0]]
-    elif key == "parse" and args:
-        optional = args[0] == "optional"
-        words = args[1:] if optional else args
-        if len(words) != 1 or words[0] not in PARSE_TYPES:
-            fail("unknown parse type '%s'" % " ".join(args))
-            return
-        rec.parse = PARSE_TYPES[words[0]] + (OPTIONAL_OFFSET if optional else 0)
-    elif key == "arg" and len(args) == 1:
-        rec.arg = args[0]
-    elif key == "arg_text" and len(args) == 1:
-        rec.arg_text = args[0]
-    elif key == "range" and len(args) == 2:
-        low = parse_int(args[0], fail, "range")
-        high = parse_int(args[1], fail, "range")
-        if low is not None and high is not None:
-            if low > high:
-                fail("range %d..%d is empty" % (low, high))
-            rec.range = (low, high)
-    elif key == "flags":
-        for flag in args:
-            if flag not in ("internal", "hidden", "persistent", "arg_optional"):
-                fail("unknown flag '%s'" % flag)
-            rec.flags.add(flag)
-    elif key == "help_class" and len(args) == 1:
-        rec.help_class = (args[0], lineno)
-    elif key == "classes":
-        for col in args:
-            value = parse_int(col, fail, "class column")
-            if value is not None:
-                rec.classes.append(value)
-    elif key == "help" and len(args) == 1:
-        rec.help = args[0]
-    elif key == "long_help" and len(args) == 1:
-        rec.long_help = args[0]
-    elif key == "items" and args:
-        for item in args:
-            if len(item) < 2 or item[0] not in "+*-":
-                fail("an item is a mark (+, * or -) and a word, not '%s'" % item)
-            rec.items.append(item)
-    elif key == "default_word" and len(args) == 1:
-        rec.default_word = args[0]
-    elif key == "default" and len(args) == 1:
-        rec.default = args[0]
-    elif key == "action" and len(args) == 1:
-        if args[0] not in ACTIONS:
-            fail("unknown action '%s'" % args[0])
-        rec.action = args[0]
-    elif key == "also_sets" and args:
-        entry = {"line": lineno, "target": args[0], "word": None, "when": None,
-                 "by_number": None, "increment": False}
-        if "=" in args[0]:
-            entry["target"], entry["word"] = args[0].split("=", 1)
-        rest = args[1:]
-        if rest[:1] == ["when"] and len(rest) == 2:
-            entry["when"] = rest[1]
-        elif rest[:1] == ["by_number"] and len(rest) >= 2 and entry["word"] is None:
-            entry["by_number"] = rest[1:]
-        elif rest == ["increment"] and entry["word"] is None:
-            entry["increment"] = True
-        elif rest:
-            fail("also_sets takes TARGET[=word] [when WORD | by_number WORDS... | increment]")
-            return
-        rec.also_sets.append(entry)
-    elif key == "rule":
-        rule = parse_rule(args, lineno)
-        if rule is None:
-            fail("rule takes [when WORD] with|without OPTION[=WORD,...] error|warning TEXT")
-        else:
-            rec.rules.append(rule)
-    elif key == "deprecated" and len(args) == 2 and args[0] in SEVERITIES:
-        rec.deprecated = (SEVERITIES[args[0]], args[1])
-    elif key == "conflict_group" and len(args) == 2:
-        value = parse_int(args[1], fail, "conflict value")
-        if value is not None:
-            if value not in (1, 2, 3):
-                fail("conflict values are 1, 2 or 3")
-            rec.conflict_groups.append((args[0], value, lineno))
-    elif key == "conflicts" and len(args) >= 2:
-        value = parse_int(args[0], fail, "conflict value")
-        if value is not None:
-            if value not in (1, 2, 3):
-                fail("conflict values are 1, 2 or 3")
-            for other in args[1:]:
-                rec.conflicts.append((other, value, lineno))
-    elif key == "sort_order" and len(args) == 1:
-        rec.sort_order = parse_int(args[0], fail, "sort_order")
-    elif key == "basic_order" and len(args) == 1:
-        rec.basic_order = parse_int(args[0], fail, "basic_order")
-    elif key == "merge" and len(args) == 1 and args[0] in MERGE_POLICIES:
-        rec.merge = args[0]
-    elif key == "merge_pair" and len(args) == 3:
-        rec.merge_pairs.append((args[0], args[1], args[2], lineno))
-    elif key == "merge_group" and len(args) == 1 and GROUP_RE.match(args[0]) \
-            and args[0] != "none":
-        rec.merge_group = args[0]
-    elif key == "merge_conflicts" and args:
-        rec.merge_conflicts.extend((other, lineno) for other in args)
-    elif key == "passto":
-        rec.passto = []
-        for entry in args:
-            tool, sep, text = entry.partition("=")
-            if tool not in TOOLS:
-                fail("passto names unknown tool '%s'" % tool)
-            elif sep and not text:
-                fail("passto %s= needs a text" % tool)
-            else:
-                rec.passto.append((tool, text if sep else None))
-    else:
+    handler = RECORD_KEYWORDS.get(key)
+    if handler is None or handler(rec, args, lineno, fail) is False:
         fail("bad option line '%s'" % " ".join([key] + args))
+
+
+# One handler per record keyword: (record, arguments, line, fail). A handler
+# returns False when the arguments do not have the keyword's shape, and
+# reports finer faults itself.
+
+def rec_spelling(rec, args, lineno, fail):
+    if not args or not args[0].startswith("-"):
+        fail("a spelling begins with '-'")
+        return
+    sp = Spelling(args[0], lineno)
+    for flag in args[1:]:
+        if flag in ("scan_only", "unscanned", "shown_first", "quiet_case"):
+            setattr(sp, flag, True)
+        elif flag.startswith("continue=") and flag[9:] in CONTINUATIONS:
+            sp.continuation = flag[9:]
+        else:
+            fail("unknown spelling flag '%s'" % flag)
+    rec.spellings.append(sp)
+
+
+def rec_kind(rec, args, _lineno, _fail):
+    if len(args) != 1 or args[0] not in KINDS:
+        return False
+    rec.kind = KINDS[args[0]]
+
+
+def rec_parse(rec, args, _lineno, fail):
+    if not args:
+        return False
+    optional = args[0] == "optional"
+    words = args[1:] if optional else args
+    if len(words) != 1 or words[0] not in PARSE_TYPES:
+        fail("unknown parse type '%s'" % " ".join(args))
+        return
+    rec.parse = PARSE_TYPES[words[0]] + (OPTIONAL_OFFSET if optional else 0)
+
+
+def one_word(attr):
+    """The handler of a keyword that stores its single argument in attr."""
+    def handler(rec, args, _lineno, _fail):
+        if len(args) != 1:
+            return False
+        setattr(rec, attr, args[0])
+        return
+    return handler
+
+
+def one_number(attr):
+    """The handler of a keyword that stores its single number in attr."""
+    def handler(rec, args, _lineno, fail):
+        if len(args) != 1:
+            return False
+        setattr(rec, attr, parse_int(args[0], fail, attr))
+        return
+    return handler
+
+
+def rec_range(rec, args, _lineno, fail):
+    if len(args) != 2:
+        return False
+    low = parse_int(args[0], fail, "range")
+    high = parse_int(args[1], fail, "range")
+    if low is not None and high is not None:
+        if low > high:
+            fail("range %d..%d is empty" % (low, high))
+        rec.range = (low, high)
+
+
+def rec_flags(rec, args, _lineno, fail):
+    for flag in args:
+        if flag not in ("internal", "hidden", "persistent", "arg_optional"):
+            fail("unknown flag '%s'" % flag)
+        rec.flags.add(flag)
+
+
+def rec_help_class(rec, args, lineno, _fail):
+    if len(args) != 1:
+        return False
+    rec.help_class = (args[0], lineno)
+
+
+def rec_classes(rec, args, _lineno, fail):
+    for col in args:
+        value = parse_int(col, fail, "class column")
+        if value is not None:
+            rec.classes.append(value)
+
+
+def rec_items(rec, args, _lineno, fail):
+    if not args:
+        return False
+    for item in args:
+        if len(item) < 2 or item[0] not in "+*-":
+            fail("an item is a mark (+, * or -) and a word, not '%s'" % item)
+        rec.items.append(item)
+
+
+def rec_action(rec, args, _lineno, fail):
+    if len(args) != 1:
+        return False
+    if args[0] not in ACTIONS:
+        fail("unknown action '%s'" % args[0])
+    rec.action = args[0]
+
+
+def rec_also_sets(rec, args, lineno, fail):
+    if not args:
+        return False
+    entry = {"line": lineno, "target": args[0], "word": None, "when": None,
+             "by_number": None, "increment": False}
+    if "=" in args[0]:
+        entry["target"], entry["word"] = args[0].split("=", 1)
+    rest = args[1:]
+    if rest[:1] == ["when"] and len(rest) == 2:
+        entry["when"] = rest[1]
+    elif rest[:1] == ["by_number"] and len(rest) >= 2 and entry["word"] is None:
+        entry["by_number"] = rest[1:]
+    elif rest == ["increment"] and entry["word"] is None:
+        entry["increment"] = True
+    elif rest:
+        fail("also_sets takes TARGET[=word] [when WORD | by_number WORDS... | increment]")
+        return
+    rec.also_sets.append(entry)
+
+
+def rec_rule(rec, args, lineno, fail):
+    rule = parse_rule(args, lineno)
+    if rule is None:
+        fail("rule takes [when WORD] with|without OPTION[=WORD,...] error|warning TEXT")
+    else:
+        rec.rules.append(rule)
+
+
+def rec_deprecated(rec, args, _lineno, _fail):
+    if len(args) != 2 or args[0] not in SEVERITIES:
+        return False
+    rec.deprecated = (SEVERITIES[args[0]], args[1])
+
+
+def conflict_value(text, fail):
+    value = parse_int(text, fail, "conflict value")
+    if value is not None and value not in CONFLICT_VALUES:
+        fail("conflict values are 1, 2 or 3")
+    return value
+
+
+def rec_conflict_group(rec, args, lineno, fail):
+    if len(args) != 2:
+        return False
+    value = conflict_value(args[1], fail)
+    if value is not None:
+        rec.conflict_groups.append((args[0], value, lineno))
+
+
+def rec_conflicts(rec, args, lineno, fail):
+    if len(args) < 2:
+        return False
+    value = conflict_value(args[0], fail)
+    if value is not None:
+        rec.conflicts.extend((other, value, lineno) for other in args[1:])
+
+
+def rec_merge(rec, args, _lineno, _fail):
+    if len(args) != 1 or args[0] not in MERGE_POLICIES:
+        return False
+    rec.merge = args[0]
+
+
+def rec_merge_pair(rec, args, lineno, _fail):
+    if len(args) != 3:
+        return False
+    rec.merge_pairs.append((args[0], args[1], args[2], lineno))
+
+
+def rec_merge_group(rec, args, _lineno, _fail):
+    if len(args) != 1 or not GROUP_RE.match(args[0]) or args[0] == "none":
+        return False
+    rec.merge_group = args[0]
+
+
+def rec_merge_conflicts(rec, args, lineno, _fail):
+    if not args:
+        return False
+    rec.merge_conflicts.extend((other, lineno) for other in args)
+
+
+def rec_passto(rec, args, _lineno, fail):
+    rec.passto = []
+    for entry in args:
+        tool, sep, text = entry.partition("=")
+        if tool not in TOOLS:
+            fail("passto names unknown tool '%s'" % tool)
+        elif sep and not text:
+            fail("passto %s= needs a text" % tool)
+        else:
+            rec.passto.append((tool, text if sep else None))
+
+
+RECORD_KEYWORDS = {
+    "spelling": rec_spelling, "kind": rec_kind, "parse": rec_parse,
+    "arg": one_word("arg"), "arg_text": one_word("arg_text"), "range": rec_range,
+    "flags": rec_flags, "help_class": rec_help_class, "classes": rec_classes,
+    "help": one_word("help"), "long_help": one_word("long_help"), "items": rec_items,
+    "default_word": one_word("default_word"), "default": one_word("default"),
+    "action": rec_action, "also_sets": rec_also_sets, "rule": rec_rule,
+    "deprecated": rec_deprecated, "conflict_group": rec_conflict_group,
+    "conflicts": rec_conflicts, "sort_order": one_number("sort_order"),
+    "basic_order": one_number("basic_order"), "merge": rec_merge,
+    "merge_pair": rec_merge_pair, "merge_group": rec_merge_group,
+    "merge_conflicts": rec_merge_conflicts, "passto": rec_passto,
+}
 
 
 def parse_rule(args, lineno):
@@ -389,7 +490,7 @@ def parse_rule(args, lineno):
     if args[:1] == ["when"] and len(args) >= 2:
         rule["when"], args = args[1], args[2:]
     if len(args) != 4 or args[0] not in ("with", "without") or args[2] not in RULE_KINDS:
-        return None
+        return
     rule["relation"] = args[0]
     other, _, words = args[1].partition("=")
     rule["other"] = other
@@ -488,6 +589,20 @@ def check_record(table, rec, help_ids, names, fail):
     if not rec.spellings:
         fail(rec.line, "option %s has no spelling" % rec.name)
         return
+    check_spellings(table, rec, fail)
+    check_help_placement(table, rec, help_ids, fail)
+    check_argument(rec, fail)
+    check_items(rec, fail)
+    check_also_sets(rec, names, fail)
+    for rule in rec.rules:
+        check_rule(rec, rule, names, fail)
+    for sp in rec.spellings:
+        if sp.continuation is None:
+            sp.continuation = default_continuation(table, sp)
+
+
+def check_spellings(table, rec, fail):
+    """Checks the spellings and derives the short form and the further forms."""
     for form, sp in enumerate(rec.spellings):
         sp.form = form
         if form == 0 and (sp.scan_only or sp.shown_first):
@@ -511,9 +626,11 @@ def check_record(table, rec, help_ids, names, fail):
     if len(shown) > 1:
         fail(shown[1].line, "only one spelling can be shown first")
     rec.short_form = shown[0].text if shown else None
-    rec.alt_forms = [sp.text for sp in rec.spellings[1:] if not sp.scan_only
-                     and not sp.unscanned]
+    rec.alt_forms = [sp.text for sp in alts]
 
+
+def check_help_placement(table, rec, help_ids, fail):
+    """Checks the help class, the class columns and the help text."""
     if rec.help_class is None:
         fail(rec.line, "%s has no help_class" % rec.name)
         rec.help_class_id = 0
@@ -529,9 +646,11 @@ def check_record(table, rec, help_ids, names, fail):
     if not rec.help and "internal" not in rec.flags:
         fail(rec.line, "%s has no help text" % rec.name)
 
-    is_help = rec.action == "help"
+
+def check_argument(rec, fail):
+    """Checks kind, parse type, argument name, range and action; derives the handler."""
     if rec.kind == 0:
-        rec.handler = HANDLER_HELP if is_help else HANDLER_NONE
+        rec.handler = HANDLER_HELP if rec.action == "help" else HANDLER_NONE
         for field in ("parse", "arg", "range", "items", "default_word", "default"):
             if field in rec.fields:
                 fail(rec.fields[field], "%s takes no argument, so no '%s'"
@@ -541,7 +660,7 @@ def check_record(table, rec, help_ids, names, fail):
         if rec.parse is None:
             fail(rec.line, "%s has a kind with argument but no 'parse'" % rec.name)
             rec.parse = 0
-        base = rec.parse % OPTIONAL_OFFSET if rec.parse < 18 else rec.parse
+        base = base_parse(rec)
         if base not in KIND_PARSE[rec.kind]:
             fail(rec.fields.get("parse", rec.line), "parse type does not fit kind")
         rec.handler = HANDLER_ONEOF if base in ONEOF_PARSE else HANDLER_ARG
@@ -549,7 +668,18 @@ def check_record(table, rec, help_ids, names, fail):
             fail(rec.line, "%s takes an argument but has no 'arg' name" % rec.name)
     if rec.parse >= OPTIONAL_OFFSET:
         rec.flags.add("arg_optional")
+    if rec.range is not None and base_parse(rec) not in NUMERIC_PARSE:
+        fail(rec.fields["range"], "only numeric options have a range")
+    # A handler without bounds of its own hands over the signed bounds, for
+    # unsigned arguments too.
+    rec.range_values = rec.range or (0, SIGNED_MAX)
+    if rec.action and ACTIONS[rec.action] and rec.kind != 0:
+        fail(rec.fields["action"], "action %s works on options without argument"
+             % rec.action)
 
+
+def check_items(rec, fail):
+    """Checks the one-of words and the defaults that name them."""
     has_list = rec.kind in (4, 7)
     if has_list and not rec.items:
         fail(rec.line, "one-of option %s has no items" % rec.name)
@@ -564,25 +694,16 @@ def check_record(table, rec, help_ids, names, fail):
         fail(rec.fields.get("items", rec.line), "two item words give the same constant")
     for field in ("default_word", "default"):
         word = getattr(rec, field)
-        if word is None:
-            continue
-        if has_list and word.lower() not in lowered:
+        if word is not None and has_list and word.lower() not in lowered:
             fail(rec.fields[field], "%s '%s' is no item of %s" % (field, word, rec.name))
     if rec.default_word is not None and rec.parse < OPTIONAL_OFFSET:
         fail(rec.fields["default_word"], "default_word needs an optional argument")
     if rec.default is not None and not has_list:
         fail(rec.fields["default"], "constructor defaults are one-of words")
 
-    if rec.range is not None:
-        if base_parse(rec) not in NUMERIC_PARSE:
-            fail(rec.fields["range"], "only numeric options have a range")
-    # A handler without bounds of its own hands over the signed bounds, for
-    # unsigned arguments too.
-    rec.range_values = rec.range or (0, SIGNED_MAX)
 
-    if rec.action and ACTIONS[rec.action] and rec.kind != 0:
-        fail(rec.fields["action"], "action %s works on options without argument"
-             % rec.action)
+def check_also_sets(rec, names, fail):
+    lowered = [item[1:].lower() for item in rec.items]
     for entry in rec.also_sets:
         target = names.get(entry["target"])
         if target is None:
@@ -601,12 +722,6 @@ def check_record(table, rec, help_ids, names, fail):
             fail(entry["line"], "by_number needs a numeric option")
         if entry["increment"] and target.kind not in (2, 3):
             fail(entry["line"], "increment needs a numeric target")
-
-    for rule in rec.rules:
-        check_rule(rec, rule, names, fail)
-    for sp in rec.spellings:
-        if sp.continuation is None:
-            sp.continuation = default_continuation(table, sp)
 
 
 def check_rule(rec, rule, names, fail):
@@ -737,146 +852,172 @@ def check_merging(table, names, fail):
 
 # ---------------------------------------------------------------- emitters
 
-def emit(outdir, prefix, name, lines, source):
-    path = os.path.join(outdir, "%s_%s.inc" % (prefix, name))
-    write_generated(path, "gen_options.py", source, lines)
-
-
 def u64(value):
     return "0x%XULL" % (value & UNSIGNED_MAX)
-
-
-def generate(table, outdir, prefix, source):
-    recs = table.records
-    n = len(recs)
-    last_file = table.first_fileopt + 29
-    emit(outdir, prefix, "facts", [
-        "TABLE_FACTS(%d, %d, %d, %d, %d, %d, %s, %s, %d)" % (
-            n, table.class_columns, len(table.help_classes), table.alt_slots,
-            table.first_fileopt, last_file, "true" if table.fold_case else "false",
-            c_string(table.debug_prefix), table.item_count)], source)
-    emit(outdir, prefix, "option_ids",
-         ["OPTION_ID(%s)" % r.name for r in recs], source)
-    emit(outdir, prefix, "help_classes",
-         ["HELP_CLASS(%s, %s)" % (ident, c_string(rot13(title)))
-          for ident, title, _line in table.help_classes], source)
-    emit(outdir, prefix, "alt_forms",
-         ["ALT_FORMS(%s%s)" % (r.name, "".join(", " + c_string(rot13(a)) for a in r.alt_forms))
-          for r in recs], source)
-    item_lines, value_lines = [], []
-    for r in recs:
-        if not r.items:
-            continue
-        item_lines.append("ITEM_LIST(%s%s)" % (r.name, "".join(
-            ", OO_ITEM(%s, %d)" % (c_string(item), r.item_values[item[1:]]) for item in r.items)))
-        for item in r.items:
-            value_lines.append("ITEM_VALUE(%s, %s, %d)" % (
-                r.name, word_ident(item[1:]), r.item_values[item[1:]]))
-    emit(outdir, prefix, "item_lists", item_lines, source)
-    emit(outdir, prefix, "item_values", value_lines, source)
-    rows = []
-    for r in recs:
-        rows.append("OPTION_ROW(%s, %s, %s, %d, %s, %s, %s, %s, %s, %s, %s, %d, %s, %d)" % (
-            r.name, c_string(rot13(r.spellings[0].text)),
-            c_string(rot13(r.short_form)) if r.short_form else "nullptr",
-            r.basic_order, c_string(rot13(r.arg_text if r.arg_text is not None else r.arg)),
-            bool_c("arg_optional" in r.flags), c_string(rot13(r.help)),
-            c_string(rot13(r.long_help)), bool_c("internal" in r.flags),
-            bool_c("hidden" in r.flags), bool_c("persistent" in r.flags),
-            r.help_class_id, "OO_%s_ITEMLIST" % r.name if r.items else "nullptr",
-            r.sort_order))
-    emit(outdir, prefix, "definitions", rows, source)
-    emit(outdir, prefix, "optiontxt",
-         ["OPTION_TXT(%s)" % c_string(rot13(r.spellings[0].text)) for r in recs], source)
-    emit(outdir, prefix, "enumtxt",
-         ["ENUM_TXT(%s)" % c_string(rot13(r.name)) for r in recs], source)
-    emit(outdir, prefix, "parm_type",
-         ["PARM_TYPE(%d)" % r.kind for r in recs], source)
-    emit(outdir, prefix, "classes",
-         ["CLASS_ROW(%s)" % ", ".join("1" if c in r.classes else "0"
-                                      for c in range(table.class_columns)) for r in recs],
-         source)
-    emit(outdir, prefix, "conflicts",
-         ["CONFLICT_ROW(%s)" % ", ".join(str(v) for v in row)
-          for row in table.conflict_matrix], source)
-    scan = []
-    for r in recs:
-        for sp in r.spellings:
-            if sp.unscanned:
-                continue
-            text = sp.text[1:]
-            scan.append((text.lower() if table.fold_case else text, text, r, sp))
-    scan.sort(key=lambda entry: entry[0])
-    scan_lines = []
-    for _key, text, r, sp in scan:
-        low, high = r.range_values
-        scan_lines.append("SCAN_ROW(%s, %s, %d, %d, %d, %s, %s, %s, %s, %s, %d, %s, %s)" % (
-            c_string(text), r.name, sp.form, r.handler, r.parse,
-            c_string(rot13(r.arg)), u64(low), u64(high),
-            c_string(r.default_word), bool_c(table.fold_case and not sp.quiet_case),
-            CONTINUATIONS[sp.continuation],
-            "none" if r.action in (None, "help") else r.action,
-            bool_c(bool(r.action and ACTIONS[r.action]))))
-    emit(outdir, prefix, "scan", scan_lines, source)
-    emit(outdir, prefix, "defaults",
-         ["OPTION_DEFAULT(%s, %s)" % (r.name, c_string(r.default)) for r in recs
-          if r.default is not None], source)
-    also = []
-    for r in recs:
-        for e in r.also_sets:
-            also.append("ALSO_SETS(%s, %s, %s, %s, %s, %s)" % (
-                r.name, e["target"], c_string(e["word"]), c_string(e["when"]),
-                c_string(",".join(e["by_number"])) if e["by_number"] else "nullptr",
-                bool_c(e["increment"])))
-    emit(outdir, prefix, "also_sets", also, source)
-    emit(outdir, prefix, "depend_rules",
-         ["DEPEND_RULE(%d, %s, %s, %s, %s, %s, %d%s)" % (
-             index, r.name, c_string(rule["when"]), bool_c(rule["relation"] == "with"),
-             rule["other"], c_string(rule["text"]), rule["severity"],
-             "".join(", " + c_string(w) for w in rule["words"]))
-          for index, (r, rule) in enumerate((r, rule) for r in recs for rule in r.rules)],
-         source)
-    emit_merging(table, outdir, prefix, source)
-    emit(outdir, prefix, "deprecations",
-         ["DEPRECATION(%s, %d, %s)" % (r.name, r.deprecated[0], c_string(r.deprecated[1]))
-          for r in recs if r.deprecated], source)
-
-
-def emit_merging(table, outdir, prefix, source):
-    recs = table.records
-    emit(outdir, prefix, "merge_facts", ["MERGE_FACTS(%d, %d, %d)" % (
-        sum(r.merge is not None for r in recs), sum(r.merge_group is not None for r in recs),
-        sum(r.passto is not None for r in recs))], source)
-    emit(outdir, prefix, "merge_groups",
-         ["MERGE_GROUP(%s, %s)" % (group, ", ".join("OO_MEMBER(%s)" % m.name for m in members))
-          for group, members in table.merge_groups.items()], source)
-    emit(outdir, prefix, "merge_pairs",
-         ["MERGE_PAIRS(%s%s)" % (r.name, "".join(
-             ", OO_PAIR(%d, %d, %d)" % tuple(r.item_values[w] for w in pair[:3])
-             for pair in r.merge_pairs)) for r in recs if r.merge_pairs], source)
-    emit(outdir, prefix, "merge_rows",
-         ["MERGE_ROW(%s, %s, %s, %s)" % (
-             r.name, r.merge or "unset",
-             "OO_%s_PAIRS" % r.name if r.merge_pairs else "nullptr",
-             r.merge_group or "none") for r in recs], source)
-    emit(outdir, prefix, "merge_conflicts",
-         ["MERGE_CONFLICT_ROW(%s)" % ", ".join(str(v) for v in row)
-          for row in table.merge_conflict_matrix], source)
-    emit(outdir, prefix, "passto",
-         ["PASSTO_ROW(%s%s)" % (r.name, "".join(
-             ", OO_HAND(%s, %s)" % (tool, c_string(rot13(text or r.spellings[0].text)))
-             for tool, text in r.passto)) for r in recs if r.passto is not None], source)
 
 
 def bool_c(flag):
     return "true" if flag else "false"
 
 
+# One emitter per section of the generated file: (table) -> lines. A section
+# is compiled only where its macro is defined; the file undefines it after.
+
+def facts_section(table):
+    return ["TABLE_FACTS(%d, %d, %d, %d, %d, %d, %s, %s, %d)" % (
+        len(table.records), table.class_columns, len(table.help_classes), table.alt_slots,
+        table.first_fileopt, table.first_fileopt + FILE_OPTION_SLOTS - 1,
+        bool_c(table.fold_case), c_string(table.debug_prefix), table.item_count)]
+
+
+def help_class_section(table):
+    return ["HELP_CLASS(%s, %s)" % (ident, c_string(rot13(title)))
+            for ident, title, _line in table.help_classes]
+
+
+def item_list_section(table):
+    return ["ITEM_LIST(%s%s)" % (r.name, "".join(
+        ", OO_ITEM(%s, %d)" % (c_string(item), r.item_values[item[1:]]) for item in r.items))
+        for r in table.records if r.items]
+
+
+def item_value_section(table):
+    return ["ITEM_VALUE(%s, %s, %d)" % (r.name, word_ident(item[1:]), r.item_values[item[1:]])
+            for r in table.records for item in r.items]
+
+
+def option_row(r):
+    return "OPTION_ROW(%s, %s, %s, %d, %s, %s, %s, %s, %s, %s, %s, %d, %s, %d)" % (
+        r.name, c_string(rot13(r.spellings[0].text)),
+        c_string(rot13(r.short_form)) if r.short_form else "nullptr",
+        r.basic_order, c_string(rot13(r.arg_text if r.arg_text is not None else r.arg)),
+        bool_c("arg_optional" in r.flags), c_string(rot13(r.help)),
+        c_string(rot13(r.long_help)), bool_c("internal" in r.flags),
+        bool_c("hidden" in r.flags), bool_c("persistent" in r.flags),
+        r.help_class_id, "OO_%s_ITEMLIST" % r.name if r.items else "nullptr", r.sort_order)
+
+
+def scan_section(table):
+    scan = []
+    for r in table.records:
+        for sp in r.spellings:
+            if not sp.unscanned:
+                text = sp.text[1:]
+                scan.append((text.lower() if table.fold_case else text, text, r, sp))
+    scan.sort(key=lambda entry: entry[0])
+    lines = []
+    for _key, text, r, sp in scan:
+        low, high = r.range_values
+        lines.append("SCAN_ROW(%s, %s, %d, %d, %d, %s, %s, %s, %s, %s, %d, %s, %s)" % (
+            c_string(text), r.name, sp.form, r.handler, r.parse,
+            c_string(rot13(r.arg)), u64(low), u64(high),
+            c_string(r.default_word), bool_c(table.fold_case and not sp.quiet_case),
+            CONTINUATIONS[sp.continuation],
+            "none" if r.action in (None, "help") else r.action,
+            bool_c(bool(r.action and ACTIONS[r.action]))))
+    return lines
+
+
+def also_sets_section(table):
+    return ["ALSO_SETS(%s, %s, %s, %s, %s, %s)" % (
+        r.name, e["target"], c_string(e["word"]), c_string(e["when"]),
+        c_string(",".join(e["by_number"])) if e["by_number"] else "nullptr",
+        bool_c(e["increment"])) for r in table.records for e in r.also_sets]
+
+
+def depend_rule_section(table):
+    rules = [(r, rule) for r in table.records for rule in r.rules]
+    return ["DEPEND_RULE(%d, %s, %s, %s, %s, %s, %d%s)" % (
+        index, r.name, c_string(rule["when"]), bool_c(rule["relation"] == "with"),
+        rule["other"], c_string(rule["text"]), rule["severity"],
+        "".join(", " + c_string(w) for w in rule["words"]))
+        for index, (r, rule) in enumerate(rules)]
+
+
+def merge_facts_section(table):
+    recs = table.records
+    return ["MERGE_FACTS(%d, %d, %d)" % (
+        sum(r.merge is not None for r in recs), sum(r.merge_group is not None for r in recs),
+        sum(r.passto is not None for r in recs))]
+
+
+def merge_group_section(table):
+    return ["MERGE_GROUP(%s, %s)" % (group, ", ".join("OO_MEMBER(%s)" % m.name for m in members))
+            for group, members in table.merge_groups.items()]
+
+
+def merge_pair_section(table):
+    return ["MERGE_PAIRS(%s%s)" % (r.name, "".join(
+        ", OO_PAIR(%d, %d, %d)" % tuple(r.item_values[w] for w in pair[:3])
+        for pair in r.merge_pairs)) for r in table.records if r.merge_pairs]
+
+
+def merge_row(r):
+    return "MERGE_ROW(%s, %s, %s, %s)" % (
+        r.name, r.merge or "unset", "OO_%s_PAIRS" % r.name if r.merge_pairs else "nullptr",
+        r.merge_group or "none")
+
+
+def passto_row(r):
+    return "PASSTO_ROW(%s%s)" % (r.name, "".join(
+        ", OO_HAND(%s, %s)" % (tool, c_string(rot13(text or r.spellings[0].text)))
+        for tool, text in r.passto))
+
+
+def matrix_section(macro, matrix):
+    return ["%s(%s)" % (macro, ", ".join(str(v) for v in row)) for row in matrix]
+
+
+def per_record(row):
+    """A section of one line per record (in id order), made by row(record)."""
+    return lambda table: [row(r) for r in table.records]
+
+
+SECTIONS = (
+    ("TABLE_FACTS", facts_section),
+    ("OPTION_ID", per_record(lambda r: "OPTION_ID(%s)" % r.name)),
+    ("HELP_CLASS", help_class_section),
+    ("ALT_FORMS", per_record(lambda r: "ALT_FORMS(%s%s)" % (
+        r.name, "".join(", " + c_string(rot13(a)) for a in r.alt_forms)))),
+    ("ITEM_LIST", item_list_section),
+    ("ITEM_VALUE", item_value_section),
+    ("OPTION_ROW", per_record(option_row)),
+    ("OPTION_TXT", per_record(lambda r: "OPTION_TXT(%s)" % c_string(rot13(r.spellings[0].text)))),
+    ("ENUM_TXT", per_record(lambda r: "ENUM_TXT(%s)" % c_string(rot13(r.name)))),
+    ("PARM_TYPE", per_record(lambda r: "PARM_TYPE(%d)" % r.kind)),
+    ("CLASS_ROW", lambda t: ["CLASS_ROW(%s)" % ", ".join(
+        "1" if c in r.classes else "0" for c in range(t.class_columns)) for r in t.records]),
+    ("CONFLICT_ROW", lambda t: matrix_section("CONFLICT_ROW", t.conflict_matrix)),
+    ("SCAN_ROW", scan_section),
+    ("OPTION_DEFAULT", lambda t: ["OPTION_DEFAULT(%s, %s)" % (r.name, c_string(r.default))
+                                  for r in t.records if r.default is not None]),
+    ("ALSO_SETS", also_sets_section),
+    ("DEPEND_RULE", depend_rule_section),
+    ("MERGE_FACTS", merge_facts_section),
+    ("MERGE_GROUP", merge_group_section),
+    ("MERGE_PAIRS", merge_pair_section),
+    ("MERGE_ROW", per_record(merge_row)),
+    ("MERGE_CONFLICT_ROW",
+     lambda t: matrix_section("MERGE_CONFLICT_ROW", t.merge_conflict_matrix)),
+    ("PASSTO_ROW", lambda t: [passto_row(r) for r in t.records if r.passto is not None]),
+    ("DEPRECATION", lambda t: ["DEPRECATION(%s, %d, %s)" % (
+        r.name, r.deprecated[0], c_string(r.deprecated[1])) for r in t.records if r.deprecated]),
+)
+
+
+def generate(table, path, source):
+    """Writes the table as one file of sections, each guarded by its macro."""
+    lines = []
+    for macro, emitter in SECTIONS:
+        lines += ["#ifdef " + macro] + emitter(table) + ["#undef " + macro, "#endif"]
+    write_generated(path, "gen_options.py", source, lines)
+
+
 def main(argv):
-    if len(argv) != 4:
-        sys.stderr.write("usage: gen_options.py SOURCE.opt OUTDIR PREFIX\n")
+    if len(argv) != 3:
+        sys.stderr.write("usage: gen_options.py SOURCE.opt OUTPUT.inc\n")
         return 2
-    source, outdir, prefix = argv[1:]
+    source, output = argv[1:]
     try:
         table, errors = parse_source(source)
     except OSError as err:
@@ -887,9 +1028,9 @@ def main(argv):
     if errors:
         sys.stderr.write("\n".join(errors) + "\n")
         return 1
-    os.makedirs(outdir, exist_ok=True)
+    os.makedirs(os.path.dirname(output) or ".", exist_ok=True)
     try:
-        generate(table, outdir, prefix, os.path.basename(source))
+        generate(table, output, os.path.basename(source))
     except ValueError as err:
         sys.stderr.write("%s:0: %s\n" % (source, err))
         return 1

@@ -12,7 +12,7 @@
 
 namespace {
 
-class advice_document : public ::testing::Test {
+class AdviceDocument : public ::testing::Test {
  protected:
   TempDir dir;
   const std::string path = dir.file("advice.xml");
@@ -31,35 +31,7 @@ class advice_document : public ::testing::Test {
   }
 };
 
-TEST_F(advice_document, the_written_file_has_the_fixed_layout) {
-  {
-    ADVICE advice(path.c_str(), link);
-    advice.add_advice("27010", "advice #27010-D: run <it> & see", "build_run", "", "",
-                      "runTunewise");
-    advice.add_advice("00000", "advice: settings", "curr_setting", "", "", "");
-    advice.add_advice("27007", "old", "opt_setting", "--opt_level", "2", "x");
-    advice.add_advice("27007", "new", "opt_setting", "--opt_level", "3", "");
-    advice.output();
-  }
-  const std::string stamp = convert<std::string>(new_timestamp());
-  EXPECT_EQ(read_file(path),
-            "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n"
-            "<body>\n"
-            "\t<version>1</version>\n"
-            "\t<timestamp>" +
-                stamp +
-                "</timestamp>\n"
-                "\t<link_advice_flag>false</link_advice_flag>\n"
-                "\t<advice diag_code=\"00000\" advice_type=\"curr_setting\" option=\"\" value=\"\">"
-                "advice: settings</advice>\n"
-                "\t<advice diag_code=\"27007\" advice_type=\"opt_setting\" option=\"--opt_level\" "
-                "value=\"3\">new</advice>\n"
-                "\t<advice diag_code=\"27010\" advice_type=\"build_run\" option=\"\" value=\"\" "
-                "action=\"runTunewise\">advice #27010-D: run &lt;it&gt; &amp; see</advice>\n"
-                "</body>\n");
-}
-
-TEST_F(advice_document, entries_survive_a_write_and_a_read_unchanged) {
+TEST_F(AdviceDocument, EntriesSurviveAWriteAndAReadUnchanged) {
   ADVICE first(path.c_str(), link);
   first.add_advice("31337", "unknown kind", "future_type", "", "v", "doSomething");
   first.add_advice("27011", "results", "build_results", "--opt_for_speed", "", "");
@@ -67,7 +39,7 @@ TEST_F(advice_document, entries_survive_a_write_and_a_read_unchanged) {
   EXPECT_EQ(ADVICE(path.c_str(), link).get_entries(), first.get_entries());
 }
 
-TEST_F(advice_document, reading_keeps_the_first_of_two_keys_and_ignores_other_elements) {
+TEST_F(AdviceDocument, ReadingKeepsTheFirstOfTwoKeysAndIgnoresOtherElements) {
   write_body(
       "<current_settings><option name=\"--opt_level\" value=\"  --opt_level=9\"/>"
       "</current_settings>"
@@ -90,7 +62,7 @@ TEST_F(advice_document, reading_keeps_the_first_of_two_keys_and_ignores_other_el
   EXPECT_EQ(read_file(path).find("current_settings"), std::string::npos);
 }
 
-TEST_F(advice_document, an_entry_without_a_required_attribute_is_fatal) {
+TEST_F(AdviceDocument, AnEntryWithoutARequiredAttributeIsFatal) {
   const char* attributes[] = {"diag_code", "advice_type", "option", "value"};
   for (const char* missing : attributes) {
     std::string element = "<advice";

@@ -12,27 +12,19 @@ namespace {
 // What one run left in the advice object.
 struct advice_state {
   ADVICE::entry_map entries;
-  ADVICE::settings_map settings;
   bool link_advice_flag;
-
-  std::vector<std::string> keys() const {
-    std::vector<std::string> result;
-    for (const auto& [key, info] : entries)
-      result.push_back(key);
-    return result;
-  }
 };
 
-class advice_rules : public perf_fixture {
+class AdviceRules : public perf_fixture {
  protected:
   // One run of the advice document alone: read, update, write.
-  advice_state advice_run(tokens shell, tokens tool = {}) {
-    scan_options(tool, shell);
+  advice_state advice_run(tokens shell) {
+    scan_options({}, shell);
     LINK_DATA link(link_path.c_str());
     ADVICE advice(advice_path.c_str(), link);
     advice.update();
     advice.output();
-    return {advice.get_entries(), advice.get_settings(), advice.get_link_advice_flag()};
+    return {advice.get_entries(), advice.get_link_advice_flag()};
   }
 
   // An advice document last written at the given time, with the given entries.
@@ -45,25 +37,7 @@ class advice_rules : public perf_fixture {
 
 const char* const debug_note = " NOTE: debug ability will decrease.";
 
-TEST_F(advice_rules, the_settings_entry_states_level_goal_and_debug) {
-  advice_state state = advice_run({"-O2"});
-  const ADVICE_INFO& entry = state.entries.at("00000");
-  EXPECT_EQ(entry.msg,
-            "advice: Current optimization/debug settings:  --opt_level=2  --opt_for_speed=2    -g");
-  EXPECT_EQ(entry.advice_type, "curr_setting");
-  EXPECT_EQ(entry.option + entry.value + entry.action, "");
-  EXPECT_EQ(state.settings, (ADVICE::settings_map{{"--opt_for_speed", "  --opt_for_speed=2"},
-                                                  {"--opt_level", "  --opt_level=2"},
-                                                  {"--symdebug:dwarf", ""}}));
-  EXPECT_EQ(read_tree(advice_path).get_child("body.current_settings").size(), 3u);
-
-  state = advice_run({"--symdebug:none", "--opt_for_speed=5"});
-  EXPECT_EQ(state.entries.at("00000").msg,
-            "advice: Current optimization/debug settings:  --opt_level=off  --opt_for_speed=5");
-  EXPECT_EQ(state.settings.count("--symdebug:dwarf"), 0u);
-}
-
-TEST_F(advice_rules, the_level_advice_follows_level_and_debug_information) {
+TEST_F(AdviceRules, TheLevelAdviceFollowsLevelAndDebugInformation) {
   auto expect_advice = [&](tokens shell, const std::string& code, const std::string& text,
                            const char* value) {
     std::filesystem::remove(advice_path);
@@ -89,45 +63,7 @@ TEST_F(advice_rules, the_level_advice_follows_level_and_debug_information) {
   expect_advice({"-O3", "--symdebug:none"}, "27009", three + ".", "4");
 }
 
-TEST_F(advice_rules, the_level_advice_is_replaced_in_every_plain_run) {
-  EXPECT_EQ(advice_run({}).keys(), (std::vector<std::string>{"00000", "27007"}));
-  EXPECT_EQ(advice_run({"-O1"}).keys(), (std::vector<std::string>{"00000", "27008"}));
-  EXPECT_EQ(advice_run({"-O4"}).keys(), (std::vector<std::string>{"00000"}));
-}
-
-TEST_F(advice_rules, a_benchmark_event_only_refreshes_the_settings) {
-  write_link(new_timestamp(), 0, 0x100);
-  const advice_state plain = advice_run({});
-  EXPECT_EQ(plain.keys(), (std::vector<std::string>{"00000", "27007", "27010"}));
-
-  // An event that the results document would refuse still counts as set.
-  const advice_state event = advice_run({"-O3"}, {"--benchmark:event=append"});
-  EXPECT_EQ(event.keys(), plain.keys());
-  EXPECT_EQ(event.entries.at("27007"), plain.entries.at("27007"));
-  EXPECT_NE(event.entries.at("00000").msg.find("--opt_level=3"), std::string::npos);
-
-  std::filesystem::remove(advice_path);
-  const advice_state fresh = advice_run({}, {"--benchmark:event=start"});
-  EXPECT_EQ(fresh.keys(), (std::vector<std::string>{"00000"}));
-  EXPECT_FALSE(fresh.link_advice_flag);
-}
-
-TEST_F(advice_rules, the_series_is_proposed_after_a_clean_new_link) {
-  const uint64_t written = 0x5000;
-  write_advice(written);
-  write_link(written, 0, 0x100);
-  const advice_state state = advice_run({"-O4"});
-  EXPECT_TRUE(state.link_advice_flag);
-  EXPECT_EQ(state.entries.at("27010"),
-            (ADVICE_INFO{"build_run", "", "",
-                         "advice #27010-D: Not all available code size is being used. Recommend "
-                         "running Tunewise to find best speed vs size setting (--opt_for_speed). "
-                         "Double-click to start.",
-                         "runTunewise"}));
-  EXPECT_EQ(read_tree(advice_path).get<std::string>("body.link_advice_flag"), "true");
-}
-
-TEST_F(advice_rules, no_proposal_for_an_old_link_a_failed_link_or_the_fastest_goal) {
+TEST_F(AdviceRules, NoProposalForAnOldLinkAFailedLinkOrTheFastestGoal) {
   const uint64_t written = 0x5000;
   auto proposes = [&](uint64_t link_time, int errors, tokens shell) {
     write_advice(written);
@@ -147,24 +83,7 @@ TEST_F(advice_rules, no_proposal_for_an_old_link_a_failed_link_or_the_fastest_go
   EXPECT_FALSE(advice_run({}).link_advice_flag);
 }
 
-TEST_F(advice_rules, the_series_result_names_its_value_twice) {
-  scan_options({}, {});
-  LINK_DATA link(link_path.c_str());
-  ADVICE advice(advice_path.c_str(), link);
-  advice.update();
-  advice.advice_build_results("--opt_for_speed", "3");
-  EXPECT_EQ(advice.get_entries().at("27011"),
-            (ADVICE_INFO{"build_results", "--opt_for_speed", "3",
-                         "advice #27011-D: Tunewise completed and best results were obtained with "
-                         "speed vs size setting 3 (--opt_for_speed=3).",
-                         "gotoBuildOption:--opt_for_speed"}));
-  advice.advice_build_results("--opt_for_speed", "");
-  EXPECT_EQ(advice.get_entries().at("27011").msg,
-            "advice #27011-D: Tunewise completed and best results were obtained with speed vs "
-            "size setting  (--opt_for_speed=).");
-}
-
-TEST_F(advice_rules, the_series_result_goes_once_the_build_uses_its_value) {
+TEST_F(AdviceRules, TheSeriesResultGoesOnceTheBuildUsesItsValue) {
   const std::string result =
       "<advice diag_code=\"27011\" advice_type=\"build_results\" option=\"--opt_for_speed\" "
       "value=\"4\">r</advice>";
@@ -176,27 +95,6 @@ TEST_F(advice_rules, the_series_result_goes_once_the_build_uses_its_value) {
                "<advice diag_code=\"27011\" advice_type=\"build_results\" option=\"o\" "
                "value=\"\">r</advice>");
   EXPECT_EQ(advice_run({"-O4"}).entries.count("27011"), 1u);
-}
-
-TEST_F(advice_rules, an_entry_lives_from_run_to_run_through_a_series) {
-  const std::vector<std::string> proposed{"00000", "27007", "27010"};
-  write_link(new_timestamp(), 0, 30000);
-  run({});
-  ASSERT_EQ(advice_run({}).keys(), proposed);
-
-  run({"--benchmark:event=start", "--benchmark:option=--opt_for_speed"});
-  EXPECT_EQ(advice_run({}).keys(), proposed);
-  run({"--benchmark:event=end", "--benchmark:option=--opt_for_speed", "--benchmark:option_value=4"},
-      {"--opt_for_speed=2"});
-  const std::vector<attribute_row> rows = advice_in_file();
-  EXPECT_EQ(rows, (std::vector<attribute_row>{{"00000", "curr_setting", ""},
-                                              {"27007", "opt_setting", "3"},
-                                              {"27011", "build_results", "4"}}));
-
-  // The user follows the result: it goes, and the proposal doesn't come back.
-  const advice_state followed = advice_run({"--opt_for_speed=4"});
-  EXPECT_EQ(followed.keys(), (std::vector<std::string>{"00000", "27007"}));
-  EXPECT_TRUE(followed.link_advice_flag);
 }
 
 }  // namespace

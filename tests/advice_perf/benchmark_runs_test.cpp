@@ -1,12 +1,13 @@
 // Benchmark series: each event is one run over the files that the run before
 // it left, as the development environment drives them.
 #include "tests/advice_perf/perf_fixture.h"
+#include "tests/util/capture.h"
 
 namespace {
 
 using entry_row = attribute_row;  // diag_code, advice_type, value
 
-class benchmark_run : public perf_fixture {
+class BenchmarkRun : public perf_fixture {
  protected:
   // All documents written by this process bear this time.
   const uint64_t now = new_timestamp();
@@ -47,70 +48,39 @@ class benchmark_run : public perf_fixture {
   }
 };
 
-TEST_F(benchmark_run, a_speed_series_from_start_to_end) {
-  write_advice_with_series_entries();
-  write_results(0x100,
-                "<chart option=\"--opt_level\" title=\"t\" valueLabel=\"v\">"
-                "<bar option_value=\"3\" value=\"5\" color=\"cyan\"/></chart>");
-  start("--opt_for_speed");
-  EXPECT_TRUE(bars_in_file().empty());
-  EXPECT_EQ(chart_attribute("option"), "--opt_for_speed");
-  EXPECT_EQ(chart_attribute("title"), "Vary Size vs Speed Setting");
-  EXPECT_EQ(chart_attribute("valueLabel"), "Code Size (bytes)");
-  EXPECT_EQ(series_entries(), (std::vector<entry_row>{{"27010", "build_run", ""}}));
-
-  speed_build("append", "2", 30000);
-  EXPECT_EQ(bars_in_file(), (std::vector<attribute_row>{{"2", "30000", "green"}}));
-  EXPECT_EQ(series_entries(), (std::vector<entry_row>{{"27010", "build_run", ""}}));
-
-  speed_build("end", "4", 34000, 1, {"--opt_for_speed=4"});
-  EXPECT_EQ(bars_in_file(),
-            (std::vector<attribute_row>{{"2", "30000", "green"}, {"4", "34000", "red"}}));
-  EXPECT_EQ(series_entries(), (std::vector<entry_row>{{"27011", "build_results", "2"}}));
-  const ptree advice = read_tree(advice_path);
-  ptree result;
-  for (const auto& [name, entry] : advice.get_child("body"))
-    if (entry.get("<xmlattr>.diag_code", "") == "27011") result = entry;
-  EXPECT_EQ(result.get<std::string>("<xmlattr>.option"), "--opt_for_speed");
-  EXPECT_EQ(result.get<std::string>("<xmlattr>.action"), "gotoBuildOption:--opt_for_speed");
-  EXPECT_NE(result.data().find("(--opt_for_speed=2)"), std::string::npos) << result.data();
-}
-
-TEST_F(benchmark_run, an_end_whose_best_is_the_goal_leaves_no_result) {
+TEST_F(BenchmarkRun, AnEndWhoseBestIsTheGoalLeavesNoResult) {
   write_advice_with_series_entries();
   start("--opt_for_speed");
   speed_build("append", "1", 100);
   speed_build("end", "3", 200, 0, {"--opt_for_speed=3"});
-  EXPECT_EQ(bars_in_file(),
-            (std::vector<attribute_row>{{"1", "100", "yellow"}, {"3", "200", "green"}}));
+  EXPECT_EQ(bars_in_file(), rows({{"1", "100", "yellow"}, {"3", "200", "green"}}));
   EXPECT_TRUE(series_entries().empty());
 }
 
-TEST_F(benchmark_run, an_end_without_a_usable_bar_recommends_an_empty_value) {
+TEST_F(BenchmarkRun, AnEndWithoutAUsableBarRecommendsAnEmptyValue) {
   speed_build("end", "5", 900, 2);
-  EXPECT_EQ(bars_in_file(), (std::vector<attribute_row>{{"5", "900", "red"}}));
-  EXPECT_EQ(series_entries(), (std::vector<entry_row>{{"27011", "build_results", ""}}));
+  EXPECT_EQ(bars_in_file(), rows({{"5", "900", "red"}}));
+  EXPECT_EQ(series_entries(), rows({{"27011", "build_results", ""}}));
 }
 
-TEST_F(benchmark_run, the_largest_clean_bar_is_the_only_green_one) {
+TEST_F(BenchmarkRun, TheLargestCleanBarIsTheOnlyGreenOne) {
   speed_build("append", "1", 500);
   speed_build("append", "2", 800);  // overtakes 1
-  EXPECT_EQ(bars_in_file(),
-            (std::vector<attribute_row>{{"1", "500", "yellow"}, {"2", "800", "green"}}));
+  EXPECT_EQ(bars_in_file(), rows({{"1", "500", "yellow"}, {"2", "800", "green"}}));
   speed_build("append", "3", 800);      // equal size: the later key wins
   speed_build("append", "4", 5000, 1);  // larger, but red
-  EXPECT_EQ(bars_in_file(), (std::vector<attribute_row>{{"1", "500", "yellow"},
-                                                        {"2", "800", "yellow"},
-                                                        {"3", "800", "green"},
-                                                        {"4", "5000", "red"}}));
+  EXPECT_EQ(bars_in_file(), rows({{"1", "500", "yellow"},
+                                  {"2", "800", "yellow"},
+                                  {"3", "800", "green"},
+                                  {"4", "5000", "red"}}));
   speed_build("append", "4", 700);  // rebuilt without errors under the same key
-  EXPECT_EQ(bars_in_file(), (std::vector<attribute_row>{{"1", "500", "yellow"},
-                                                        {"2", "800", "yellow"},
-                                                        {"3", "800", "green"},
-                                                        {"4", "700", "yellow"}}));
+  EXPECT_EQ(bars_in_file(), rows({{"1", "500", "yellow"},
+                                  {"2", "800", "yellow"},
+                                  {"3", "800", "green"},
+                                  {"4", "700", "yellow"}}));
 }
 
-TEST_F(benchmark_run, a_bar_needs_a_new_link_with_code) {
+TEST_F(BenchmarkRun, ABarNeedsANewLinkWithCode) {
   write_results(0x100, "<chart option=\"--opt_for_speed\" title=\"t\" valueLabel=\"v\"/>");
   write_link(0xff, 0, 100);  // linked before the document's last write
   build("append", "--opt_level", "1");
@@ -119,18 +89,18 @@ TEST_F(benchmark_run, a_bar_needs_a_new_link_with_code) {
   write_results(0x100, "<chart option=\"--opt_level\" title=\"t\" valueLabel=\"v\"/>");
   write_link(0x100, -1, 100);  // same second; an unknown error count is no error
   build("append", "--opt_level", "1");
-  EXPECT_EQ(bars_in_file(), (std::vector<attribute_row>{{"1", "100", "cyan"}}));
+  EXPECT_EQ(bars_in_file(), rows({{"1", "100", "cyan"}}));
 
   write_link(now, 0, 0);  // a link without code
   build("append", "--opt_level", "2");
-  EXPECT_EQ(bars_in_file(), (std::vector<attribute_row>{{"1", "100", "cyan"}}));
+  EXPECT_EQ(bars_in_file(), rows({{"1", "100", "cyan"}}));
 
   std::filesystem::remove(link_path);  // no link information at all
   build("end", "--opt_level", "3");
-  EXPECT_EQ(bars_in_file(), (std::vector<attribute_row>{{"1", "100", "cyan"}}));
+  EXPECT_EQ(bars_in_file(), rows({{"1", "100", "cyan"}}));
 }
 
-TEST_F(benchmark_run, a_level_series_draws_cyan_and_red_bars_and_gives_no_advice) {
+TEST_F(BenchmarkRun, ALevelSeriesDrawsCyanAndRedBarsAndGivesNoAdvice) {
   write_advice_with_series_entries();
   start("--opt_level");
   EXPECT_EQ(chart_attribute("option"), "--opt_level");
@@ -139,25 +109,22 @@ TEST_F(benchmark_run, a_level_series_draws_cyan_and_red_bars_and_gives_no_advice
   build("append", "--opt_level", "not a level");
   write_link(now, 3, 400);
   build("end", "--opt_level", "off");
-  EXPECT_EQ(bars_in_file(),
-            (std::vector<attribute_row>{{"not a level", "300", "cyan"}, {"off", "400", "red"}}));
-  EXPECT_EQ(series_entries(),
-            (std::vector<entry_row>{{"27010", "build_run", ""}, {"27011", "build_results", "1"}}));
+  EXPECT_EQ(bars_in_file(), rows({{"not a level", "300", "cyan"}, {"off", "400", "red"}}));
+  EXPECT_EQ(series_entries(), rows({{"27010", "build_run", ""}, {"27011", "build_results", "1"}}));
 }
 
-TEST_F(benchmark_run, the_option_name_is_matched_exactly_for_level_and_in_any_case_for_speed) {
+TEST_F(BenchmarkRun, TheOptionNameIsMatchedExactlyForLevelAndInAnyCaseForSpeed) {
   write_link(now, 0, 300);
   build("append", "--OPT_LEVEL", "1");
   EXPECT_EQ(chart_attribute("option"), "--opt_for_speed");
-  EXPECT_EQ(bars_in_file(), (std::vector<attribute_row>{{"1", "300", "cyan"}}));
+  EXPECT_EQ(bars_in_file(), rows({{"1", "300", "cyan"}}));
 
   build("end", "--OPT_FOR_SPEED", "2", {"--opt_for_speed=1"});
-  EXPECT_EQ(bars_in_file(),
-            (std::vector<attribute_row>{{"1", "300", "yellow"}, {"2", "300", "green"}}));
-  EXPECT_EQ(series_entries(), (std::vector<entry_row>{{"27011", "build_results", "2"}}));
+  EXPECT_EQ(bars_in_file(), rows({{"1", "300", "yellow"}, {"2", "300", "green"}}));
+  EXPECT_EQ(series_entries(), rows({{"27011", "build_results", "2"}}));
 }
 
-TEST_F(benchmark_run, only_start_clears_the_bars_even_when_the_option_changes) {
+TEST_F(BenchmarkRun, OnlyStartClearsTheBarsEvenWhenTheOptionChanges) {
   speed_build("append", "1", 100);
   start("--opt_for_speed");
   start("--opt_for_speed");
@@ -167,16 +134,14 @@ TEST_F(benchmark_run, only_start_clears_the_bars_even_when_the_option_changes) {
   write_link(now, 0, 200);
   build("append", "--opt_level", "2");
   EXPECT_EQ(chart_attribute("option"), "--opt_level");
-  EXPECT_EQ(bars_in_file(),
-            (std::vector<attribute_row>{{"1", "100", "green"}, {"2", "200", "cyan"}}));
+  EXPECT_EQ(bars_in_file(), rows({{"1", "100", "green"}, {"2", "200", "cyan"}}));
   // A speed build afterwards turns the other series' bars yellow as well.
   speed_build("append", "3", 150);
   EXPECT_EQ(bars_in_file(),
-            (std::vector<attribute_row>{
-                {"1", "100", "yellow"}, {"2", "200", "green"}, {"3", "150", "yellow"}}));
+            rows({{"1", "100", "yellow"}, {"2", "200", "green"}, {"3", "150", "yellow"}}));
 }
 
-TEST_F(benchmark_run, an_incomplete_event_is_refused_and_leaves_the_chart_alone) {
+TEST_F(BenchmarkRun, AnIncompleteEventIsRefusedAndLeavesTheChartAlone) {
   write_results(0x100,
                 "<chart option=\"--opt_level\" title=\"t\" valueLabel=\"v\">"
                 "<bar option_value=\"3\" value=\"5\" color=\"cyan\"/></chart>");
@@ -197,12 +162,10 @@ TEST_F(benchmark_run, an_incomplete_event_is_refused_and_leaves_the_chart_alone)
   const auto errors_before = DIAGNOSTIC::error_count_m;
   for (const auto& call : incomplete) {
     SCOPED_TRACE(call.args.front());
-    ::testing::internal::CaptureStderr();
-    run(call.args);
-    EXPECT_EQ(::testing::internal::GetCapturedStderr(), call.message);
+    EXPECT_EQ(capture_output(stderr, [&] { run(call.args); }), call.message);
     EXPECT_EQ(chart_attribute("option"), "--opt_level");
     EXPECT_EQ(chart_attribute("title"), "t");
-    EXPECT_EQ(bars_in_file(), (std::vector<attribute_row>{{"3", "5", "cyan"}}));
+    EXPECT_EQ(bars_in_file(), rows({{"3", "5", "cyan"}}));
     EXPECT_TRUE(series_entries().empty());
   }
   EXPECT_EQ(DIAGNOSTIC::error_count_m, errors_before);

@@ -6,8 +6,9 @@
 
 #include <gtest/gtest.h>
 
-#include <initializer_list>
 #include <memory>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -18,7 +19,7 @@ struct settings {
 
 // Scans the tokens (as they stand in a command file) into a fresh shell
 // option object and reads both settings back.
-settings settings_after(std::initializer_list<const char*> tokens) {
+settings settings_after(const std::vector<const char*>& tokens) {
   auto options = std::make_unique<option_obj_shell>(true);
   global_options = options.get();
   for (const char* token : tokens)
@@ -29,34 +30,30 @@ settings settings_after(std::initializer_list<const char*> tokens) {
   return result;
 }
 
-TEST(build_settings, a_build_without_settings_is_unoptimised_with_the_default_goal) {
-  settings s = settings_after({});
-  EXPECT_EQ(s.level, -1);
-  EXPECT_EQ(s.goal, 2);
-}
-
-TEST(build_settings, optimisation_level_in_every_spelling) {
-  EXPECT_EQ(settings_after({"-O"}).level, 2);
-  EXPECT_EQ(settings_after({"-O3"}).level, 3);
-  EXPECT_EQ(settings_after({"-o0"}).level, 0);
-  EXPECT_EQ(settings_after({"--opt_level=4"}).level, 4);
-  EXPECT_EQ(settings_after({"--opt_level=1"}).level, 1);
-  EXPECT_EQ(settings_after({"-Ooff"}).level, -1);
-  EXPECT_EQ(settings_after({"-O3", "--no_high_level_opt"}).level, -1);
-  EXPECT_EQ(settings_after({"--no_high_level_opt", "-O3"}).level, 3);
-}
-
-TEST(build_settings, size_speed_goal_from_the_options_that_fill_it) {
-  EXPECT_EQ(settings_after({"--opt_for_speed"}).goal, 4);
-  EXPECT_EQ(settings_after({"--opt_for_speed=1"}).goal, 1);
-  EXPECT_EQ(settings_after({"--opt_for_speed=0"}).goal, 0);
-  EXPECT_EQ(settings_after({"-mf2"}).goal, 2);
-  EXPECT_EQ(settings_after({"-mf5"}).goal, 5);
-  EXPECT_EQ(settings_after({"--opt_for_space"}).goal, 0);
-  EXPECT_EQ(settings_after({"-ms"}).goal, 0);
-  EXPECT_EQ(settings_after({"--size_speed_goal=medium_risk_size"}).goal, 1);
-  EXPECT_EQ(settings_after({"--size_speed_goal=LOW_RISK_PERFORMANCE"}).goal, 3);
-  EXPECT_EQ(settings_after({"-ms", "--opt_for_speed=3"}).goal, 3);
+TEST(BuildSettings, LevelAndGoalFromTheTokensThatSetThem) {
+  const std::pair<std::vector<const char*>, settings> cases[] = {
+      {{}, {-1, 2}},  // unoptimised, with the default goal
+      {{"-O"}, {2, 2}},
+      {{"-O3"}, {3, 2}},
+      {{"-o0"}, {0, 2}},
+      {{"--opt_level=4"}, {4, 2}},
+      {{"-Ooff"}, {-1, 2}},
+      {{"-O3", "--no_high_level_opt"}, {-1, 2}},
+      {{"--no_high_level_opt", "-O3"}, {3, 2}},
+      {{"--opt_for_speed"}, {-1, 4}},
+      {{"--opt_for_speed=1"}, {-1, 1}},
+      {{"-mf5"}, {-1, 5}},
+      {{"--opt_for_space"}, {-1, 0}},
+      {{"-ms"}, {-1, 0}},
+      {{"--size_speed_goal=LOW_RISK_PERFORMANCE"}, {-1, 3}},
+      {{"-ms", "--opt_for_speed=3"}, {-1, 3}},
+  };
+  for (const auto& [tokens, expected] : cases) {
+    SCOPED_TRACE(tokens.size() ? *tokens.begin() : "(none)");
+    const settings got = settings_after(tokens);
+    EXPECT_EQ(got.level, expected.level);
+    EXPECT_EQ(got.goal, expected.goal);
+  }
 }
 
 }  // namespace

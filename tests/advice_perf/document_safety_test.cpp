@@ -20,7 +20,7 @@ namespace {
 namespace fs = std::filesystem;
 using namespace std::chrono_literals;
 
-TEST(strict_xml_text, replaces_what_xml_cannot_carry_and_keeps_the_rest) {
+TEST(StrictXmlText, ReplacesWhatXmlCannotCarryAndKeepsTheRest) {
   const std::string r(xml_replacement_char);
   const struct {
     std::string in, out;
@@ -43,7 +43,7 @@ TEST(strict_xml_text, replaces_what_xml_cannot_carry_and_keeps_the_rest) {
   }
 }
 
-class replace_file_test : public ::testing::Test {
+class ReplaceFile : public ::testing::Test {
  protected:
   TempDir dir;
   const std::string doc = dir.file("perf.xml");
@@ -58,7 +58,7 @@ class replace_file_test : public ::testing::Test {
   }
 };
 
-TEST_F(replace_file_test, keeps_permission_bits_and_symbolic_links) {
+TEST_F(ReplaceFile, KeepsPermissionBitsAndSymbolicLinks) {
   chmod(doc.c_str(), 0640);
   fs::create_symlink("perf.xml", dir.file("link.xml"));
   replace_file(dir.file("link.xml"), "new");
@@ -72,7 +72,7 @@ TEST_F(replace_file_test, keeps_permission_bits_and_symbolic_links) {
   EXPECT_EQ(read_file(dir.file("made.xml")), "made");
 }
 
-TEST_F(replace_file_test, a_failed_write_leaves_the_old_file_and_no_new_one) {
+TEST_F(ReplaceFile, AFailedWriteLeavesTheOldFileAndNoNewOne) {
   rlimit saved;
   getrlimit(RLIMIT_FSIZE, &saved);
   rlimit small = saved;
@@ -103,7 +103,7 @@ TEST_F(replace_file_test, a_failed_write_leaves_the_old_file_and_no_new_one) {
 
 // A directory that takes no new file gets its writable document rewritten in
 // place. Root can write anywhere, so root tries it as another user.
-TEST_F(replace_file_test, a_closed_directory_gets_the_document_rewritten_in_place) {
+TEST_F(ReplaceFile, AClosedDirectoryGetsTheDocumentRewrittenInPlace) {
   chmod(doc.c_str(), 0666);
   chmod(dir.path().c_str(), 0555);
   const pid_t child = fork();
@@ -124,7 +124,7 @@ TEST_F(replace_file_test, a_closed_directory_gets_the_document_rewritten_in_plac
   EXPECT_EQ(read_file(doc), "short");
 }
 
-TEST(document_locks, runs_sharing_a_directory_exclude_each_other_unless_both_read) {
+TEST(DocumentLocks, RunsSharingADirectoryExcludeEachOtherUnlessBothRead) {
   TempDir dir, other;
   const std::string a = dir.file("advice.xml"), b = dir.file("perf.xml");
   fs::create_symlink(b, other.file("perf.xml"));

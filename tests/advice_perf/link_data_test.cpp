@@ -11,7 +11,7 @@
 
 namespace {
 
-class link_data : public ::testing::Test {
+class LinkData : public ::testing::Test {
  protected:
   TempDir dir;
   const std::string path = dir.file("link.xml");
@@ -45,7 +45,7 @@ std::string group(const std::string& id, const std::string& size, const std::str
   return xml + "</contents></logical_group>";
 }
 
-TEST_F(link_data, a_missing_or_broken_file_is_an_unknown_link) {
+TEST_F(LinkData, AMissingOrBrokenFileIsAnUnknownLink) {
   for (const char* content : {"", "<link_info><link_time>5</link_time>"}) {
     write_file(path, content);
     LINK_DATA link(path.c_str());
@@ -57,7 +57,7 @@ TEST_F(link_data, a_missing_or_broken_file_is_an_unknown_link) {
   EXPECT_EQ(LINK_DATA(none.c_str()).get_link_errors(), -1);
 }
 
-TEST_F(link_data, link_time_and_error_count_are_hexadecimal) {
+TEST_F(LinkData, LinkTimeAndErrorCountAreHexadecimal) {
   const LINK_DATA link = read_link(
       "<version>3</version><link_time>0x10</link_time><link_errors>0x0</link_errors>", "", "");
   EXPECT_EQ(link.get_link_time(), 16u);
@@ -71,7 +71,7 @@ TEST_F(link_data, link_time_and_error_count_are_hexadecimal) {
   EXPECT_EQ(unprefixed.get_file_version(), 1);
 }
 
-TEST_F(link_data, code_size_sums_initialized_non_debug_groups) {
+TEST_F(LinkData, CodeSizeSumsInitializedNonDebugGroups) {
   const std::string components = component("a") + component("b", "true") + component("c", "0") +
                                  component("d", "1") + component("e", "maybe") +
                                  "<other id=\"b\"/>";
@@ -86,7 +86,7 @@ TEST_F(link_data, code_size_sums_initialized_non_debug_groups) {
             0x100u + 0x100u + 0x8u);
 }
 
-TEST_F(link_data, the_smallest_component_id_stands_for_its_group) {
+TEST_F(LinkData, TheSmallestComponentIdStandsForItsGroup) {
   const std::string components =
       component("z_init") + component("a_uninit", "true") + component("m_uninit", "true");
   // The uninitialized component sorts first although it stands last.
@@ -97,13 +97,13 @@ TEST_F(link_data, the_smallest_component_id_stands_for_its_group) {
             0x40u);
 }
 
-TEST_F(link_data, the_first_of_two_equal_ids_stays) {
+TEST_F(LinkData, TheFirstOfTwoEqualIdsStays) {
   EXPECT_EQ(code_size(component("a") + component("a", "true"),
                       group("g", "0x10", ".text", {"a"}) + group("g", "0x20", ".text", {"a"})),
             0x10u);
 }
 
-TEST_F(link_data, sizes_are_signed_and_the_sum_wraps_at_32_bits) {
+TEST_F(LinkData, SizesAreSignedAndTheSumWrapsAt32Bits) {
   const std::string text = group("g1", "0x7fffffff", ".text", {"a"});
   EXPECT_EQ(code_size(component("a"), text + group("g2", "0x7fffffff", ".text", {"a"}) +
                                           group("g3", "3", ".text", {"a"})),
@@ -112,7 +112,7 @@ TEST_F(link_data, sizes_are_signed_and_the_sum_wraps_at_32_bits) {
   EXPECT_EQ(code_size(component("a"), group("g", "0xffffffff", ".text", {"a"})), 0x7fffffffu);
 }
 
-TEST_F(link_data, missing_required_parts_are_fatal) {
+TEST_F(LinkData, MissingRequiredPartsAreFatal) {
   using boost::property_tree::ptree_bad_path;
   write_file(path, "<link_info><object_component_list/><logical_group_list/></link_info>");
   EXPECT_THROW(LINK_DATA(path.c_str()), ptree_bad_path);

@@ -8,32 +8,13 @@ namespace {
 const char* const chart_labels =
     "option=\"--opt_level\" title=\"Vary Optimization Level\" valueLabel=\"old label\"";
 
-class perf_document : public perf_fixture {
+class PerfDocument : public perf_fixture {
  protected:
   // A run without any benchmark option.
   void plain_run() { run({}); }
 };
 
-TEST_F(perf_document, a_first_run_writes_the_menu_and_an_empty_default_chart) {
-  plain_run();
-  const std::string expected =
-      "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n"
-      "<body>\n"
-      "\t<version>1</version>\n"
-      "\t<timestamp>" +
-      convert<std::string>(new_timestamp()) +
-      "</timestamp>\n"
-      "\t<menu>\n"
-      "\t\t<menu_item option=\"--opt_for_speed\" description=\"Control Speed vs Size\"/>\n"
-      "\t\t<menu_item option=\"--opt_level\" description=\"Optimization Level\"/>\n"
-      "\t</menu>\n"
-      "\t<chart option=\"--opt_for_speed\" title=\"Vary Size vs Speed Setting\" "
-      "valueLabel=\"Code Size (bytes)\"/>\n"
-      "</body>\n";
-  EXPECT_EQ(read_file(results_path), expected);
-}
-
-TEST_F(perf_document, a_plain_run_keeps_labels_and_bars_and_resets_only_the_value_label) {
+TEST_F(PerfDocument, APlainRunKeepsLabelsAndBarsAndResetsOnlyTheValueLabel) {
   write_results(0x100, std::string("<chart ") + chart_labels +
                            "><bar option_value=\"3\" value=\"700\" color=\"red\"/>"
                            "<bar color=\"green\" value=\"900\" option_value=\"1\"/></chart>");
@@ -43,11 +24,10 @@ TEST_F(perf_document, a_plain_run_keeps_labels_and_bars_and_resets_only_the_valu
   EXPECT_EQ(chart_attribute("option"), "--opt_level");
   EXPECT_EQ(chart_attribute("title"), "Vary Optimization Level");
   EXPECT_EQ(chart_attribute("valueLabel"), "Code Size (bytes)");
-  EXPECT_EQ(bars_in_file(),
-            (std::vector<attribute_row>{{"1", "900", "green"}, {"3", "700", "red"}}));
+  EXPECT_EQ(bars_in_file(), rows({{"1", "900", "green"}, {"3", "700", "red"}}));
 }
 
-TEST_F(perf_document, bars_come_out_once_per_key_in_byte_order_and_foreign_content_is_dropped) {
+TEST_F(PerfDocument, BarsComeOutOncePerKeyInByteOrderAndForeignContentIsDropped) {
   write_results(0x100,
                 "<menu><menu_item option=\"--other\" description=\"Other\"/></menu>"
                 "<notes>kept nowhere</notes>"
@@ -60,8 +40,7 @@ TEST_F(perf_document, bars_come_out_once_per_key_in_byte_order_and_foreign_conte
                 "</chart>");
   plain_run();
   EXPECT_EQ(bars_in_file(),
-            (std::vector<attribute_row>{
-                {"1", "30", "yellow"}, {"10", "20", "green"}, {"2", "4294967295", "yellow"}}));
+            rows({{"1", "30", "yellow"}, {"10", "20", "green"}, {"2", "4294967295", "yellow"}}));
   const ptree tree = read_tree(results_path);
   EXPECT_EQ(tree.get_child("body").count("notes"), 0u);
   EXPECT_EQ(tree.get_child("body.chart").count("legend"), 0u);
@@ -72,7 +51,7 @@ TEST_F(perf_document, bars_come_out_once_per_key_in_byte_order_and_foreign_conte
   EXPECT_EQ(menu_options, (std::vector<std::string>{"--opt_for_speed", "--opt_level"}));
 }
 
-TEST_F(perf_document, reading_bars_stops_at_the_first_bad_one) {
+TEST_F(PerfDocument, ReadingBarsStopsAtTheFirstBadOne) {
   // A value that is no unsigned number, then a bar without its colour: each
   // ends the reading at itself.
   for (const char* bad_bar : {"<bar option_value=\"5\" value=\"abc\" color=\"cyan\"/>",
@@ -82,11 +61,11 @@ TEST_F(perf_document, reading_bars_stops_at_the_first_bad_one) {
                              "><bar option_value=\"7\" value=\"70\" color=\"cyan\"/>" + bad_bar +
                              "<bar option_value=\"0\" value=\"10\" color=\"cyan\"/></chart>");
     plain_run();
-    EXPECT_EQ(bars_in_file(), (std::vector<attribute_row>{{"7", "70", "cyan"}}));
+    EXPECT_EQ(bars_in_file(), rows({{"7", "70", "cyan"}}));
   }
 }
 
-TEST_F(perf_document, a_chart_without_title_loses_its_title_and_all_bars) {
+TEST_F(PerfDocument, AChartWithoutTitleLosesItsTitleAndAllBars) {
   write_results(0x100,
                 "<chart option=\"--opt_level\" valueLabel=\"v\">"
                 "<bar option_value=\"7\" value=\"70\" color=\"cyan\"/></chart>");
@@ -97,7 +76,7 @@ TEST_F(perf_document, a_chart_without_title_loses_its_title_and_all_bars) {
   EXPECT_TRUE(bars_in_file().empty());
 }
 
-TEST_F(perf_document, an_unparsable_document_or_one_without_chart_gets_the_default_chart) {
+TEST_F(PerfDocument, AnUnparsableDocumentOrOneWithoutChartGetsTheDefaultChart) {
   for (const char* content : {"<body><version>1</version><chart option=\"x\"",
                               "<body><timestamp>0x1</timestamp><bar option_value=\"7\" "
                               "value=\"70\" color=\"cyan\"/></body>"}) {
@@ -110,7 +89,7 @@ TEST_F(perf_document, an_unparsable_document_or_one_without_chart_gets_the_defau
   }
 }
 
-TEST_F(perf_document, files_nested_deeper_than_the_reader_takes_are_empty_documents) {
+TEST_F(PerfDocument, FilesNestedDeeperThanTheReaderTakesAreEmptyDocuments) {
   plain_run();
   const std::string first_results = read_file(results_path), first_advice = read_file(advice_path);
   std::string deep;

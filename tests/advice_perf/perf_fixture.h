@@ -24,6 +24,7 @@ using tokens = std::vector<std::string>;
 // A bar as the file shows it: option_value, value, color.
 // Three attributes of one element as written in a document.
 using attribute_row = std::tuple<std::string, std::string, std::string>;
+using rows = std::vector<attribute_row>;
 
 class perf_fixture : public ::testing::Test {
  protected:
@@ -35,6 +36,8 @@ class perf_fixture : public ::testing::Test {
   std::unique_ptr<option_obj> tool_options;
   std::unique_ptr<option_obj_shell> shell_options;
 
+  // As in a run, the documents' texts are built without wrapping.
+  void SetUp() override { DIAGNOSTIC::wrap_enabled_m = false; }
   void TearDown() override {
     cmdline_options = nullptr;
     global_options = nullptr;

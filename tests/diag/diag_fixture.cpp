@@ -3,9 +3,7 @@
 #include <stdexcept>
 
 void DiagTest::SetUp() {
-  out_ = std::tmpfile();
-  ASSERT_NE(out_, nullptr);
-  DIAGNOSTIC::fp_m = out_;
+  DIAGNOSTIC::fp_m = out_.file();
   DIAGNOSTIC::wrap_enabled_m = true;
   DIAGNOSTIC::warnings_m = true;
   DIAGNOSTIC::advice_m = false;
@@ -34,19 +32,6 @@ void DiagTest::TearDown() {
   for (dc_SEVERITY sev : severities_)
     (r++)->severity = sev;
   DIAGNOSTIC::fp_m = nullptr;
-  if (out_ != nullptr) std::fclose(out_);
-}
-
-std::string DiagTest::output() const {
-  std::fflush(out_);
-  std::rewind(out_);
-  std::string text;
-  char chunk[512];
-  size_t n;
-  while ((n = std::fread(chunk, 1, sizeof chunk, out_)) > 0)
-    text.append(chunk, n);
-  std::fseek(out_, 0, SEEK_END);
-  return text;
 }
 
 DIAG_INFO& DiagTest::row(int code) {

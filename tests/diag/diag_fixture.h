@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "DIAG/diag.h"
+#include "tests/util/capture.h"
 
 class DiagTest : public ::testing::Test {
  protected:
@@ -15,11 +16,11 @@ class DiagTest : public ::testing::Test {
   void TearDown() override;
 
   // Everything written to DIAGNOSTIC::fp_m since the test began.
-  std::string output() const;
+  std::string output() const { return out_.text(); }
 
   static DIAG_INFO& row(int code);
 
  private:
-  FILE* out_ = nullptr;
+  captured_stream out_;
   std::vector<dc_SEVERITY> severities_;
 };

@@ -1,6 +1,7 @@
 // Line wrapping of printed messages and of text formatted for documents.
 #include <cstdlib>
 #include <string>
+#include <utility>
 
 #include "DIAG/messages.h"
 #include "diag_fixture.h"
@@ -25,43 +26,27 @@ std::string words(int n) {
 
 const std::string continuation = "\n   ";
 
-TEST_F(FormatTest, TextShorterThanTheRoomGoesOutWholeWithItsTrailingBlank) {
-  reported("short text ");
-  EXPECT_EQ(output(), "error: short text \n");
-}
-
-TEST_F(FormatTest, TextOfExactlyTheRoomLeftBreaksAtItsLastBlank) {
-  // "error: " leaves 72 columns.
-  const std::string text = std::string(69, 'x') + " yy";
-  ASSERT_EQ(text.size(), 72u);
-  reported(text);
-  EXPECT_EQ(output(), "error: " + std::string(69, 'x') + continuation + "yy\n");
-}
-
-TEST_F(FormatTest, BreakDropsTheWholeBlankRun) {
-  reported(std::string(60, 'x') + "    " + std::string(20, 'y'));
-  EXPECT_EQ(output(),
-            "error: " + std::string(60, 'x') + continuation + std::string(20, 'y') + "\n");
-}
-
-TEST_F(FormatTest, BlankRightAfterTheLastColumnKeepsTheBlanksBeforeIt) {
-  // The break point is the character before a blank, even if it is a blank itself.
-  reported(std::string(70, 'x') + "   yyyy");
-  EXPECT_EQ(output(), "error: " + std::string(70, 'x') + "  " + continuation + "yyyy\n");
-}
-
-TEST_F(FormatTest, OverlongWordIsCutAtTheEndOfAContinuationLine) {
-  reported("hello world " + std::string(100, 'w'));
-  EXPECT_EQ(output(), "error: hello world" + continuation + std::string(76, 'w') + continuation +
-                          std::string(24, 'w') + "\n");
-}
-
-TEST_F(FormatTest, EmbeddedNewlineStartsAnIndentedLine) {
-  reported("first\nsecond");
-  DIAGNOSTIC::wrap_enabled_m = false;
+TEST_F(FormatTest, LinesBreakAtTheLastBlankThatFits) {
+  const std::string x69(69, 'x'), x70(70, 'x'), x60(60, 'x'), y20(20, 'y'), w100(100, 'w');
+  // "error: " leaves 72 columns; continuation lines are indented by 3.
+  const std::pair<std::string, std::string> cases[] = {
+      {"short text ", "short text "},                         // whole, with its trailing blank
+      {x69 + " yy", x69 + continuation + "yy"},               // exactly the room
+      {x60 + "    " + y20, x60 + continuation + y20},         // the blank run goes
+      {x70 + "   yyyy", x70 + "  " + continuation + "yyyy"},  // a blank past the end
+      {"hello world " + w100, "hello world" + continuation + std::string(76, 'w') + continuation +
+                                  std::string(24, 'w')},  // an overlong word
+      {"first\nsecond", "first" + continuation + "second"},
+  };
+  for (const auto& [text, printed] : cases) {
+    const size_t before = output().size();
+    reported(text);
+    EXPECT_EQ(output().substr(before), "error: " + printed + "\n");
+  }
+  DIAGNOSTIC::wrap_enabled_m = false;  // a line end in the text still breaks
+  const size_t before = output().size();
   reported(std::string(100, 'x') + "\nsecond");
-  EXPECT_EQ(output(), "error: first" + continuation + "second\n" +
-                          "error: " + std::string(100, 'x') + continuation + "second\n");
+  EXPECT_EQ(output().substr(before), "error: " + std::string(100, 'x') + continuation + "second\n");
 }
 
 TEST_F(FormatTest, IndentAppliesToEveryLineOfAMessage) {

@@ -4,6 +4,7 @@
 
 #include "DIAG/messages.h"
 #include "diag_fixture.h"
+#include "tests/util/temp_dir.h"
 
 namespace {
 
@@ -66,16 +67,8 @@ class AnnotatedSourceTest : public DiagTest {
  protected:
   void SetUp() override {
     DiagTest::SetUp();
-    path_ = "diag_annotated_source.txt";
-    FILE* f = std::fopen(path_.c_str(), "w");
-    ASSERT_NE(f, nullptr);
-    std::fputs("line one\n  second line\nthird", f);
-    std::fclose(f);
+    write_file(path_, "line one\n  second line\nthird");
     DIAGNOSTIC::verbose_m = true;
-  }
-  void TearDown() override {
-    std::remove(path_.c_str());
-    DiagTest::TearDown();
   }
   void report_at(const std::string& file, unsigned line, unsigned column, bool approx) {
     DIAG_SRCINFO_DATA where(file, line, column, approx);
@@ -84,7 +77,8 @@ class AnnotatedSourceTest : public DiagTest {
   static std::string header(const std::string& file, unsigned line) {
     return "\"" + file + "\", line " + std::to_string(line);
   }
-  std::string path_;
+  TempDir dir_;
+  const std::string path_ = dir_.file("source.txt");
 };
 
 TEST_F(AnnotatedSourceTest, QuotesExactPositionsOnlyWithACaretUnderTheColumn) {

@@ -81,6 +81,16 @@ def check_schemas(schema_dir, before, after, failures):
             failures.append(f"{os.path.basename(path)} breaks {schema}:\n{check.stderr}")
 
 
+def wait_until_reading(pid):
+    """Returns once the process waits in a read of a pipe (the FIFO), or after 20 s."""
+    deadline = time.monotonic() + 20
+    while time.monotonic() < deadline:
+        with open(f"/proc/{pid}/wchan") as wchan:
+            if "pipe_read" in wchan.read():
+                return
+        os.sched_yield()
+
+
 def run_with_signal(binary, args, work, signame):
     fifo = os.path.join(work, "cmd.fifo")
     os.mkfifo(fifo)
@@ -89,7 +99,7 @@ def run_with_signal(binary, args, work, signame):
                             stderr=subprocess.PIPE)
     # Opening the write end waits until the tool has opened the FIFO for reading.
     writer = os.open(fifo, os.O_WRONLY)
-    time.sleep(0.2)  # let the tool block in its read
+    wait_until_reading(proc.pid)
     proc.send_signal(getattr(signal, signame))
     out, err = proc.communicate(timeout=20)
     os.close(writer)

@@ -1,5 +1,4 @@
 // Naming, export, dumps and help over the synthetic table.
-#include <unistd.h>
 #include <cstdlib>
 #include <cstring>
 
@@ -9,7 +8,7 @@ namespace {
 
 using T = option_obj_test;
 
-class export_ : public test_table_fixture {
+class Export : public test_table_fixture {
  protected:
   std::string exported(int id, int index) {
     char* text = opts.export_option(id, index);
@@ -17,34 +16,18 @@ class export_ : public test_table_fixture {
     std::free(text);
     return result;
   }
-  std::string help_on(const char* topic, int* matched = nullptr) {
-    ::testing::internal::CaptureStdout();
-    int result = opts.display_option_help(topic, 1);
-    if (matched) *matched = result;
-    return ::testing::internal::GetCapturedStdout();
-  }
 };
 
-TEST(rot13, IsItsOwnInverseAndSwapsDashAndPercent) {
+TEST(Rot13, IsItsOwnInverseAndSwapsDashAndPercent) {
   std::string scrambled = option_engine::rot13("--Help_me-Zz%");
   EXPECT_EQ(scrambled, "%%Uryc_zr%Mm-");
   EXPECT_STREQ(option_engine::rot13(scrambled.c_str()), "--Help_me-Zz%");
   EXPECT_STREQ(option_engine::rot13(nullptr), "");
+  EXPECT_EQ(std::string(option_engine::rot13(std::string(500, 'a').c_str())),
+            std::string(500, 'n'));
 }
 
-TEST(rot13, AResultLivesForFourFurtherCalls) {
-  const char* first = option_engine::rot13("one");
-  for (const char* text : {"two", "three", "four", "five"})
-    option_engine::rot13(text);
-  EXPECT_STREQ(first, "bar");
-  const char* sixth = option_engine::rot13("six");
-  EXPECT_EQ(sixth, first);  // the ring has come round
-  std::string long_text(500, 'a');
-  const char* seventh = option_engine::rot13(long_text.c_str());
-  EXPECT_EQ(std::string(seventh), std::string(500, 'n'));
-}
-
-TEST_F(export_, FormatOfOptionFollowsTheSpellingUsed) {
+TEST_F(Export, FormatOfOptionFollowsTheSpellingUsed) {
   run("v");
   EXPECT_STREQ(opts.format_of_option(T::VERBOSE), "-v");
   run("-verbose");
@@ -57,7 +40,7 @@ TEST_F(export_, FormatOfOptionFollowsTheSpellingUsed) {
   EXPECT_STREQ(opts.internal_option_string(T::TRACE), "--trace");
 }
 
-TEST_F(export_, ExportGivesParsableText) {
+TEST_F(Export, ExportGivesParsableText) {
   run("-color=red");
   run("v");
   run("n=a");
@@ -76,7 +59,7 @@ TEST_F(export_, ExportGivesParsableText) {
   std::free(line);
 }
 
-TEST_F(export_, ListsChooseBySeenAndSetAndClass) {
+TEST_F(Export, ListsChooseBySeenAndSetAndClass) {
   run("-alpha");
   run("-alpha_beta=x");
   opts.clearopt(T::ALPHA_BETA);
@@ -99,17 +82,15 @@ TEST_F(export_, ListsChooseBySeenAndSetAndClass) {
   EXPECT_TRUE(opts.export_option_pairs(export_set, 4).empty());
 }
 
-TEST_F(export_, DumpsShowStateAndHistory) {
-  ::testing::internal::CaptureStdout();
-  T(false).dump(0);
-  EXPECT_EQ(::testing::internal::GetCapturedStdout(), "");
+TEST_F(Export, DumpsShowStateAndHistory) {
+  EXPECT_EQ(capture_output(stdout, [] { T(false).dump(0); }), "");
   run("-color=green");
   run("-zip");
   opts.addfileopt("x.c", "clzorv");
-  ::testing::internal::CaptureStdout();
-  opts.dump(0);
-  opts.dump_history();
-  std::string out = ::testing::internal::GetCapturedStdout();
+  const std::string out = capture_output(stdout, [this] {
+    opts.dump(0);
+    opts.dump_history();
+  });
   EXPECT_NE(out.find("--color                    ENUMERATED ARG: green\n"), std::string::npos);
   EXPECT_NE(out.find("--zip                      STRING ARG: <arg not provided>\n"),
             std::string::npos);
@@ -117,7 +98,7 @@ TEST_F(export_, DumpsShowStateAndHistory) {
   EXPECT_NE(out.find("=x.c\n"), std::string::npos);
 }
 
-TEST_F(export_, LeftColumnOfHelp) {
+TEST_F(Export, LeftColumnOfHelp) {
   const option_row& trace = opts.table().option_definitions[T::TRACE];
   EXPECT_STREQ(T::get_opt_txt(trace.long_form, trace.alt_forms, trace.short_form, trace.arg_text,
                               trace.arg_optional),
@@ -126,53 +107,6 @@ TEST_F(export_, LeftColumnOfHelp) {
   EXPECT_STREQ(T::get_opt_txt(mode.long_form, mode.alt_forms, mode.short_form, mode.arg_text,
                               mode.arg_optional),
                "--mode,-m[=mode]");
-}
-
-TEST_F(export_, HelpTopicMatchesNamesByPrefixAndTextsAnywhere) {
-  int matched = 0;
-  std::string out = help_on("--NUM", &matched);
-  EXPECT_EQ(matched, 1);
-  EXPECT_NE(out.find("--number=count"), std::string::npos);
-  EXPECT_NE(out.find("--numbers=value_list"), std::string::npos);
-  EXPECT_EQ(out.find("--level"), std::string::npos);
-  out = help_on("CHOICE");  // help texts, in any case
-  EXPECT_NE(out.find("--color=color"), std::string::npos);
-  EXPECT_NE(out.find("--shapes=shape"), std::string::npos);
-  out = help_on("reachable");  // internal rows never show
-  EXPECT_EQ(out, "");
-  help_on("nothing at all", &matched);
-  EXPECT_EQ(matched, 0);
-}
-
-TEST_F(export_, HelpLineBreaksAfterALeftColumnOfTwentyCharacters) {
-  std::string twenty = help_on("--numbers");         // "--numbers=value_list"
-  std::string twenty_one = help_on("--alpha_beta");  // "--alpha_beta=wordtext"
-  EXPECT_EQ(twenty.rfind("  --numbers=value_list    A list", 0), 0u) << twenty;
-  EXPECT_EQ(twenty_one.rfind("  --alpha_beta=wordtext \n" + std::string(26, ' ') + "A text", 0), 0u)
-      << twenty_one;
-}
-
-TEST_F(export_, HelpWithoutMatchEndsWithItsMessage) {
-  EXPECT_EXIT(
-      {
-        dup2(2, 1);
-        opts.display_option_help("zzz", 0);
-      },
-      ::testing::ExitedWithCode(0), ">> Help: No options match the string 'zzz'");
-}
-
-TEST_F(export_, OverviewListsTheGroupsUnderTheProgramsName) {
-  T::executable_name = "/usr/local/bin/tester";
-  std::string out = help_on(nullptr);
-  EXPECT_NE(out.find("Usage: tester [-options] filename\n"), std::string::npos);
-  EXPECT_NE(out.find("'tester --help <text>' to search options"), std::string::npos);
-  size_t main_group = out.find("Main Options:");
-  size_t numbers_group = out.find("Number Options:");
-  ASSERT_NE(main_group, std::string::npos);
-  ASSERT_NE(numbers_group, std::string::npos);
-  EXPECT_LT(main_group, numbers_group);
-  EXPECT_EQ(out.find("Basic Options:"), std::string::npos);  // no row has a basic order
-  EXPECT_EQ(out.find("--internal_row"), std::string::npos);
 }
 
 }  // namespace

@@ -10,7 +10,7 @@ namespace {
 using T = option_obj_test;
 
 // The accumulating object (opts) and a further file (other).
-class merge : public test_table_fixture {
+class Merge : public test_table_fixture {
  protected:
   T other;
   void SetUp() override {
@@ -22,23 +22,14 @@ class merge : public test_table_fixture {
     const char* text = opts.getstrarg(id, 0);
     return text ? text : "";
   }
-  std::vector<std::string> all_args(int id) const {
-    std::vector<std::string> args;
-    for (int i = 0; i < opts.getargcount(id); ++i)
-      args.emplace_back(opts.getstrarg(id, static_cast<unsigned>(i)));
-    return args;
-  }
 };
 
-bool contains(const std::string& text, const std::string& part) {
-  return text.find(part) != std::string::npos;
-}
-
-TEST_F(merge, ArgumentsCompareByTypeAndAMissingOneIsLowest) {
-  an_argument_t none{4, {.num = 0}, 0}, none2{4, {.num = 7}, 0};
-  an_argument_t minus{0, {.num = -1}, 0}, one{0, {.num = 1}, 0};
-  an_argument_t big{1, {.unum = ~0ULL}, 0}, small{1, {.unum = 1}, 0};
-  an_argument_t abc{2, {.text = "abc"}, 0}, abd{2, {.text = "abd"}, 0};
+TEST_F(Merge, ArgumentsCompareByTypeAndAMissingOneIsLowest) {
+  an_argument_t none{argument_missing, {.num = 0}, 0}, none2{argument_missing, {.num = 7}, 0};
+  an_argument_t minus{argument_signed, {.num = -1}, 0}, one{argument_signed, {.num = 1}, 0};
+  an_argument_t big{argument_unsigned, {.unum = ~0ULL}, 0},
+      small{argument_unsigned, {.unum = 1}, 0};
+  an_argument_t abc{argument_text, {.text = "abc"}, 0}, abd{argument_text, {.text = "abd"}, 0};
   EXPECT_TRUE(none == none2);
   EXPECT_TRUE(minus < one && one > minus);  // signed
   EXPECT_TRUE(big > small);                 // unsigned: all bits set is the largest
@@ -47,180 +38,118 @@ TEST_F(merge, ArgumentsCompareByTypeAndAMissingOneIsLowest) {
   // different types are neither equal nor ordered
   EXPECT_FALSE(one == small || one < small || one > small);
   an_argument_t items[] = {abc, abd};
-  an_argument_t list{3, {.list = items}, 2}, same{3, {.list = items}, 2},
-      shorter{3, {.list = items}, 1};
+  an_argument_t list{argument_list, {.list = items}, 2}, same{argument_list, {.list = items}, 2},
+      shorter{argument_list, {.list = items}, 1};
   EXPECT_TRUE(list == same);
   EXPECT_FALSE(list == shorter || list > shorter || list < shorter);
 }
 
-TEST_F(merge, ExactReportsEveryWayTheFilesDiffer) {
+// What the receiver holds after one merge: the arguments joined by ",", ""
+// for set without argument, or nullptr for unset.
+struct merge_case {
+  std::vector<const char*> receiver, further;
+  std::vector<std::pair<int, const char*>> after;
+};
+
+TEST_F(Merge, EachPolicyCombinesTheFurtherFileIntoTheReceiver) {
+  const merge_case cases[] = {
+      {{"-alpha"}, {"-alpha"}, {{T::ALPHA, ""}}},  // and
+      {{"-alpha"}, {}, {{T::ALPHA, nullptr}}},
+      // or adds every argument and runs no conflicts
+      {{"-names=a", "-hard_a", "-over_a"},
+       {"-names=b", "-names=c", "-hard_b", "-over_b"},
+       {{T::NAMES, "a,b,c"}, {T::HARD_A, ""}, {T::HARD_B, ""}, {T::OVER_A, ""}, {T::OVER_B, ""}}},
+      // max and min compare one-of words by their place in the list (red, crimson)
+      {{"-color=red"}, {"-color=crimson"}, {{T::COLOR, "crimson"}}},
+      {{"-color=crimson"}, {"-color=red"}, {{T::COLOR, "crimson"}}},
+      {{"-level=4"}, {"-level=2"}, {{T::LEVEL, "2"}}},
+      {{"-level=2"}, {"-level=6"}, {{T::LEVEL, "2"}}},
+      {{}, {"-number=3"}, {{T::NUMBER, "3"}}},
+      {{"-number=19"}, {"-number=4"}, {{T::NUMBER, "19"}}},
+      // custom: low with high merges into high, taken only where it is the further file's
+      {{"-keep=low"}, {}, {{T::KEEP, "high"}}},
+      {{}, {"-keep=low"}, {{T::KEEP, "high"}}},
+      {{"-mode=safe"}, {"-mode=fast", "-zip=z"}, {{T::MODE, "safe"}, {T::ZIP, nullptr}}},
+      {{"-alpha_beta=x"}, {"-alpha_beta=x"}, {{T::ALPHA_BETA, "x"}}},  // exact
+      // a member of a group in the further file replaces the receiver's, in either order
+      {{"-quiet_a"}, {"-verbose"}, {{T::QUIET_A, nullptr}, {T::VERBOSE, ""}}},
+      {{"-verbose"}, {"-quiet_a"}, {{T::VERBOSE, nullptr}, {T::QUIET_A, ""}}},
+      {{"-quiet_a"}, {}, {{T::QUIET_A, ""}}},
+  };
+  for (const merge_case& c : cases) {
+    SCOPED_TRACE(c.further.empty() ? c.receiver[0] : c.further[0]);
+    T receiver, further;
+    for (const char* token : c.receiver)
+      receiver.process_option(token, nullptr);
+    for (const char* token : c.further)
+      further.process_option(token, nullptr);
+    receiver.merge_options(further);
+    EXPECT_EQ(receiver.error_count, 0);
+    EXPECT_FALSE(receiver.merging);
+    for (const auto& [id, expected] : c.after) {
+      EXPECT_EQ(receiver.option_state[id] != 0, expected != nullptr) << id;
+      std::string args;
+      for (int i = 0; i < receiver.getargcount(id); ++i)
+        args += std::string(i ? "," : "") + receiver.getstrarg(id, static_cast<unsigned>(i));
+      if (expected) {
+        EXPECT_EQ(args, expected);
+      }
+    }
+  }
+}
+
+TEST_F(Merge, AGroupMemberReplacedIsAppliedOnceAndTheSameMemberRunsThePolicy) {
+  run("-verbose");
+  give("-quiet_a");
+  opts.merge_options(other);
+  EXPECT_EQ(opts.option_state[T::QUIET_A], 1);
+  opts.merge_options(other);  // the same member: its policy (or) runs
+  EXPECT_EQ(opts.option_state[T::QUIET_A], 2);
+}
+
+TEST_F(Merge, DifferencesAreReportedAndTheMergeGoesOn) {
   diag_capture capture;
   run("-alpha_beta=x");
-  opts.merge_options(other);  // set here only
-  T third;
-  third.source_name = "c.cmd";
-  third.process_option("-alpha_beta=y", nullptr);
-  opts.merge_options(third);  // set in both, different
-  third.process_option("-alpha_beta=x", nullptr);
-  opts.merge_options(third);  // set in both, equal: fine
-  T fresh;
-  fresh.merge_options(third);  // set in the further file only
-  std::string text = capture.text();
-  EXPECT_TRUE(
-      contains(text, "option --alpha_beta=x was set in previous files, but not in \"b.cmd\""));
-  EXPECT_TRUE(contains(text,
-                       "option --alpha_beta=y is set in \"c.cmd\", and is incompatible with "
-                       "the previously seen option --alpha_beta=x"));
-  EXPECT_TRUE(
-      contains(text, "option --alpha_beta=x is set in \"c.cmd\", but not in previous files"));
-  EXPECT_EQ(opts.error_count, 2);
-  EXPECT_EQ(fresh.error_count, 1);
-  EXPECT_EQ(text_of(T::ALPHA_BETA), "x");  // exact never changes the receiver
-}
-
-TEST_F(merge, ExactNotsetComparesOnlyWhereBothHaveIt) {
-  diag_capture capture;
   run("-hex=10");
-  opts.merge_options(other);
-  EXPECT_EQ(opts.error_count, 0);
-  give("-hex=11");
-  opts.merge_options(other);
-  EXPECT_EQ(opts.error_count, 1);
-  EXPECT_TRUE(contains(capture.text(), "option --hex=0xB is set in \"b.cmd\""));
-}
-
-TEST_F(merge, OrAddsEveryArgumentWithoutRunningConflicts) {
-  run("-names=a");
-  run("-hard_a");
-  run("-over_a");
-  give("-names=b");
-  give("-names=c");
-  give("-hard_b");  // would end the run if conflicts were checked
-  give("-over_b");  // would clear --over_a
-  opts.merge_options(other);
-  EXPECT_EQ(all_args(T::NAMES), (std::vector<std::string>{"a", "b", "c"}));
-  EXPECT_EQ(opts.option_state[T::HARD_A], 1);
-  EXPECT_EQ(opts.option_state[T::HARD_B], 1);
-  EXPECT_EQ(opts.option_state[T::OVER_A], 1);
-  EXPECT_EQ(opts.option_state[T::OVER_B], 1);
-  EXPECT_FALSE(opts.merging);
-  EXPECT_EQ(opts.error_count, 0);
-}
-
-TEST_F(merge, AndKeepsAnOptionOnlyWhileEveryFileHasIt) {
-  run("-alpha");
-  give("-alpha");
-  opts.merge_options(other);
-  EXPECT_NE(opts.option_state[T::ALPHA], 0);
-  T without;
-  opts.merge_options(without);
-  EXPECT_EQ(opts.option_state[T::ALPHA], 0);
-}
-
-TEST_F(merge, MaxAndMinTakeOneOfWordsByTheirPlaceInTheList) {
-  // values are alphabetical (crimson 1 < red 3), places are declared (red, crimson)
-  run("-color=red");
-  give("-color=crimson");
-  opts.merge_options(other);
-  EXPECT_EQ(text_of(T::COLOR), "crimson");
-  other.process_option("-color=red", nullptr);
-  opts.merge_options(other);
-  EXPECT_EQ(text_of(T::COLOR), "crimson");
-
-  run("-level=4");
-  give("-level=2");
-  opts.merge_options(other);
-  EXPECT_EQ(opts.getnumarg(T::LEVEL, 0), 2);
-  other.process_option("-level=6", nullptr);
-  opts.merge_options(other);
-  EXPECT_EQ(opts.getnumarg(T::LEVEL, 0), 2);
-}
-
-TEST_F(merge, MaxTakesTheFurtherFilesValueWhenTheReceiverHasNone) {
-  give("-number=3");
-  opts.merge_options(other);
-  EXPECT_EQ(opts.getnumarg(T::NUMBER, 0), 3);
-  other.process_option("-number=19", nullptr);
-  opts.merge_options(other);
-  EXPECT_EQ(opts.getnumarg(T::NUMBER, 0), 19);
-  other.process_option("-number=4", nullptr);
-  opts.merge_options(other);
-  EXPECT_EQ(opts.getnumarg(T::NUMBER, 0), 19);
-}
-
-TEST_F(merge, CustomAppliesAMergedValueOnlyWhereItIsTheFurtherFiles) {
-  diag_capture capture;
-  // the further file keeps its default high; low with high merges into high
-  run("-keep=low");
-  opts.merge_options(other);
-  EXPECT_EQ(text_of(T::KEEP), "high");
-  give("-keep=low");
-  opts.merge_options(other);  // merged high is not the further file's low
-  EXPECT_EQ(text_of(T::KEEP), "high");
-  opts.setarg(T::KEEP, 99L);  // a value no pair names
-  opts.merge_options(other);
-  EXPECT_EQ(opts.error_count, 1);
-  EXPECT_TRUE(contains(capture.text(),
-                       "option --keep=low is set in \"b.cmd\", and is "
-                       "incompatible with the previously seen option --keep"));
-}
-
-TEST_F(merge, GroupMemberOfTheFurtherFileReplacesTheReceiversInEitherOrder) {
-  run("-quiet_a");
-  give("-verbose");  // a later id than the receiver's member
-  opts.merge_options(other);
-  EXPECT_EQ(opts.option_state[T::QUIET_A], 0);
-  EXPECT_EQ(opts.option_state[T::VERBOSE], 1);
-
-  T back;
-  back.process_option("-quiet_a", nullptr);  // an earlier id than the receiver's member
-  opts.merge_options(back);
-  EXPECT_EQ(opts.option_state[T::VERBOSE], 0);
-  EXPECT_EQ(opts.option_state[T::QUIET_A], 1);  // applied once, not again by its policy
-
-  T same;
-  same.process_option("-quiet_a", nullptr);  // the same member: the policy (or) runs
-  opts.merge_options(same);
-  EXPECT_EQ(opts.option_state[T::QUIET_A], 2);
-  T none;
-  opts.merge_options(none);  // no member in the further file: the receiver's stays
-  EXPECT_EQ(opts.option_state[T::QUIET_A], 2);
-}
-
-TEST_F(merge, MergeConflictIsReportedAndTheMergeGoesOn) {
-  diag_capture capture;
   run("-verbose");
+  opts.merge_options(other);  // exact: set here only; exact_notset: fine
+  give("-alpha_beta=y");
+  give("-hex=11");
   give("-trace");
   give("-names=z");
-  opts.merge_options(other);
-  EXPECT_TRUE(contains(
-      capture.text(), "option --trace in file \"b.cmd\" conflicts with previous option --verbose"));
-  EXPECT_EQ(opts.error_count, 1);
+  opts.merge_options(other);  // both set, different; a merge conflict
+  T fresh;
+  fresh.merge_options(other);              // set in the further file only
+  EXPECT_EQ(text_of(T::ALPHA_BETA), "x");  // exact never changes the receiver
   EXPECT_EQ(text_of(T::NAMES), "z");
   EXPECT_EQ(opts.option_state[T::TRACE], 0);  // no policy: not taken over
-}
-
-TEST_F(merge, InitTakesTheFirstArgumentOfOptionsWithAPolicyOtherThanNone) {
-  give("-names=a");
-  give("-names=b");
-  give("-mode=fast");
-  give("-zip=z");  // policy none
-  give("-trace");  // no policy
-  opts.merge_init(other);
-  EXPECT_EQ(all_args(T::NAMES), std::vector<std::string>{"a"});
-  EXPECT_EQ(text_of(T::MODE), "fast");
-  EXPECT_EQ(opts.option_state[T::ZIP], 0);
-  EXPECT_EQ(opts.option_state[T::TRACE], 0);
-  EXPECT_FALSE(opts.merging);
-}
-
-TEST_F(merge, MainAndNoneLeaveTheReceiverAlone) {
-  run("-mode=safe");
-  give("-mode=fast");
-  give("-zip=z");
+  opts.setarg(T::KEEP, 99L);                  // a value no pair names
+  give("-keep=low");
   opts.merge_options(other);
-  EXPECT_EQ(text_of(T::MODE), "safe");
-  EXPECT_EQ(opts.option_state[T::ZIP], 0);
+  const std::string text = capture.text();
+  for (const char* report :
+       {"option --alpha_beta=x was set in previous files, but not in \"b.cmd\"",
+        "option --alpha_beta=y is set in \"b.cmd\", and is incompatible with the previously "
+        "seen option --alpha_beta=x",
+        "option --alpha_beta=y is set in \"b.cmd\", but not in previous files",
+        "option --hex=0xB is set in \"b.cmd\"",
+        "option --trace in file \"b.cmd\" conflicts with previous option --verbose",
+        "option --keep=low is set in \"b.cmd\", and is incompatible with the previously seen "
+        "option --keep"})
+    EXPECT_TRUE(contains(text, report)) << report;
+  EXPECT_EQ(opts.error_count, 1 + 3 + 4);  // the last merge reports the three again
+  EXPECT_EQ(fresh.error_count, 1);
+}
+
+TEST_F(Merge, InitTakesTheFirstArgumentOfOptionsWithAPolicyOtherThanNone) {
+  for (const char* token : {"-names=a", "-names=b", "-mode=fast", "-zip=z", "-trace"})
+    give(token);
+  opts.merge_init(other);
+  EXPECT_EQ(opts.getargcount(T::NAMES), 1);
+  EXPECT_EQ(text_of(T::NAMES), "a");
+  EXPECT_EQ(text_of(T::MODE), "fast");
+  EXPECT_EQ(opts.option_state[T::ZIP] + opts.option_state[T::TRACE], 0);
+  EXPECT_FALSE(opts.merging);
 }
 
 }  // namespace

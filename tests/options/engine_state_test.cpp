@@ -8,7 +8,7 @@ namespace {
 using T = option_obj_test;
 using ::testing::ExitedWithCode;
 
-class state : public test_table_fixture {
+class State : public test_table_fixture {
  protected:
   int history_entries(int id) const {
     int count = 0;
@@ -18,16 +18,7 @@ class state : public test_table_fixture {
   }
 };
 
-TEST_F(state, ConstructorDefaultsAreSetButNotParsed) {
-  EXPECT_EQ(opts.option_state[T::KEEP], 1);
-  EXPECT_EQ(opts.option_parsed[T::KEEP], 0);
-  EXPECT_STREQ(opts.getstrarg(T::KEEP, 0), "high");
-  T bare(false);
-  EXPECT_EQ(bare.option_state[T::KEEP], 0);
-  EXPECT_TRUE(bare.history.empty());
-}
-
-TEST_F(state, ListOptionKeepsAnEntryPerSetting) {
+TEST_F(State, ListOptionKeepsAnEntryPerSetting) {
   run("-names=a");
   const char* first = opts.getstrarg(T::NAMES, 0);
   for (const char* more : {"n=b", "n=c", "n=d", "n=e", "n=f"})
@@ -38,7 +29,7 @@ TEST_F(state, ListOptionKeepsAnEntryPerSetting) {
   EXPECT_STREQ(first, "a");  // a borrowed text outlives later additions
 }
 
-TEST_F(state, SetargOnAnUnseenOptionSetsItFirst) {
+TEST_F(State, SetargOnAnUnseenOptionSetsItFirst) {
   opts.setarg(T::NUMBER, 12L);
   EXPECT_EQ(opts.option_state[T::NUMBER], 1);
   ASSERT_EQ(history_entries(T::NUMBER), 1);
@@ -48,7 +39,7 @@ TEST_F(state, SetargOnAnUnseenOptionSetsItFirst) {
   EXPECT_EQ(opts.option_state[T::ALPHA_BETA], 0);
 }
 
-TEST_F(state, TextArgumentsConvertToNumbersByRadix) {
+TEST_F(State, TextArgumentsConvertToNumbersByRadix) {
   opts.setopt(T::ALPHA_BETA, "0x10");
   EXPECT_EQ(opts.getnumarg(T::ALPHA_BETA, 0), 16);
   opts.setopt(T::COLOR, "green");
@@ -58,7 +49,7 @@ TEST_F(state, TextArgumentsConvertToNumbersByRadix) {
   EXPECT_EQ(opts.getstrarg(T::COLOR, 1), nullptr);
 }
 
-TEST_F(state, ClearoptResetsAllButSeenFormAndParsed) {
+TEST_F(State, ClearoptResetsAllButSeenFormAndParsed) {
   run("n=x");
   opts.clearopt(T::NAMES);
   EXPECT_EQ(opts.option_state[T::NAMES], 0);
@@ -70,7 +61,7 @@ TEST_F(state, ClearoptResetsAllButSeenFormAndParsed) {
   EXPECT_EQ(history_entries(T::NAMES), 0);
 }
 
-TEST_F(state, PersistentOptionSurvivesClearing) {
+TEST_F(State, PersistentOptionSurvivesClearing) {
   opts.clearopt(T::KEEP);
   opts.clearclassmembers(3);
   EXPECT_EQ(opts.option_state[T::KEEP], 1);
@@ -78,7 +69,23 @@ TEST_F(state, PersistentOptionSurvivesClearing) {
   EXPECT_EQ(history_entries(T::KEEP), 1);
 }
 
-TEST_F(state, ClassesCountMembersAndClassZeroMeansAll) {
+TEST_F(State, GetArgumentDescribesTheStoredValues) {
+  run("n=one");
+  run("n=two");
+  run("-hex=10h");
+  an_argument_t arg;
+  opts.get_argument(T::ALPHA, &arg);
+  EXPECT_EQ(arg.type, argument_missing);
+  opts.get_argument(T::HEX, &arg);
+  EXPECT_EQ(arg.value.unum, 16u);
+  opts.get_argument(T::NAMES, &arg);
+  ASSERT_EQ(arg.type, argument_list);
+  ASSERT_EQ(arg.count, 2u);
+  EXPECT_STREQ(arg.value.list[1].value.text, "two");
+  std::free(arg.value.list);
+}
+
+TEST_F(State, ClassesCountMembersAndClassZeroMeansAll) {
   EXPECT_EQ(opts.isclass(T::ZIP, 0), 1);
   EXPECT_EQ(opts.isclass(T::ZIP, 1), 0);
   EXPECT_EQ(opts.isclass(T::ALPHA_BETA, 2), 1);
@@ -95,37 +102,7 @@ TEST_F(state, ClassesCountMembersAndClassZeroMeansAll) {
   EXPECT_EQ(opts.seenclass(1), 4u);
 }
 
-TEST_F(state, ArgumentsMatchAListExactly) {
-  run("n=one");
-  run("n=two");
-  const char* hit[] = {"zero", "two", nullptr};
-  const char* miss[] = {"TWO", nullptr};
-  const char* none[] = {nullptr};
-  EXPECT_EQ(opts.args_match_list(T::NAMES, hit), 1);
-  EXPECT_EQ(opts.args_match_list(T::NAMES, miss), 0);
-  EXPECT_EQ(opts.args_match_list(T::NAMES, none), 0);
-  EXPECT_EQ(opts.args_match_list(T::ALPHA, hit), 0);
-}
-
-TEST_F(state, GetArgumentDescribesTheStoredValues) {
-  run("-alpha");
-  run("n=one");
-  run("n=two");
-  run("-hex=10h");
-  an_argument_t arg;
-  opts.get_argument(T::ALPHA, &arg);
-  EXPECT_EQ(arg.type, 4u);
-  opts.get_argument(T::HEX, &arg);
-  EXPECT_EQ(arg.type, 1u);
-  EXPECT_EQ(arg.value.unum, 16u);
-  opts.get_argument(T::NAMES, &arg);
-  ASSERT_EQ(arg.type, 3u);
-  ASSERT_EQ(arg.count, 2u);
-  EXPECT_STREQ(arg.value.list[1].value.text, "two");
-  std::free(arg.value.list);
-}
-
-TEST_F(state, QuietConflictClearsWithoutAWordUnlessDebugging) {
+TEST_F(State, QuietConflictClearsWithoutAWordUnlessDebugging) {
   diag_capture capture;
   run("-quiet_a");
   run("-quiet_b");
@@ -134,14 +111,12 @@ TEST_F(state, QuietConflictClearsWithoutAWordUnlessDebugging) {
   EXPECT_EQ(capture.text(), "");
   DIAGNOSTIC::remarks_m = true;
   opts.debug = 1;
-  ::testing::internal::CaptureStdout();  // debug trace lines
-  run("-quiet_a");
-  ::testing::internal::GetCapturedStdout();
+  capture_output(stdout, [this] { run("-quiet_a"); });  // debug trace lines
   EXPECT_NE(capture.text().find("option --quiet_a clears preceding option --quiet_b"),
             std::string::npos);
 }
 
-TEST_F(state, OverrideWarnsAndTheLaterOptionWinsInEitherOrder) {
+TEST_F(State, OverrideWarnsAndTheLaterOptionWinsInEitherOrder) {
   diag_capture capture;
   run("g");
   run("-over_a");
@@ -157,7 +132,7 @@ TEST_F(state, OverrideWarnsAndTheLaterOptionWinsInEitherOrder) {
   EXPECT_EQ(opts.error_count, 0);
 }
 
-TEST_F(state, HardConflictEndsTheRunAtTheSecondOption) {
+TEST_F(State, HardConflictEndsTheRunAtTheSecondOption) {
   run("-hard_a");
   EXPECT_EXIT(run("-hard_b"), ExitedWithCode(1),
               "option --hard_b conflicts with previous option --hard_a");
@@ -166,7 +141,7 @@ TEST_F(state, HardConflictEndsTheRunAtTheSecondOption) {
   EXPECT_EQ(opts.option_state[T::HARD_A], 1);
 }
 
-TEST_F(state, CopyIsDeepAndStartsWithoutHistory) {
+TEST_F(State, CopyIsDeepAndStartsWithoutHistory) {
   run("n=one");
   run("-color=red");
   opts.error_count = 3;
@@ -181,7 +156,7 @@ TEST_F(state, CopyIsDeepAndStartsWithoutHistory) {
   EXPECT_EQ(copy.option_parsed[T::NAMES], 1u);
 }
 
-TEST_F(state, AssignmentKeepsTheTargetsHistoryAndCount) {
+TEST_F(State, AssignmentKeepsTheTargetsHistoryAndCount) {
   T target;
   target.process_option("-alpha", nullptr);
   target.error_count = 2;
@@ -195,7 +170,7 @@ TEST_F(state, AssignmentKeepsTheTargetsHistoryAndCount) {
   EXPECT_STREQ(target.getstrarg(T::COLOR, 0), "green");
 }
 
-TEST_F(state, FileOptionsEnterTheHistoryByTool) {
+TEST_F(State, FileOptionsEnterTheHistoryByTool) {
   diag_capture capture;
   opts.addfileopt("a.asm", "asmzorv");
   opts.addfileopt("b.hex", "hexzorv");  // after the gap of embedded_options

@@ -9,11 +9,9 @@
 
 #include "DIAG/diag.h"
 #include "options/option_engine.h"
+#include "tests/util/capture.h"
 
-// The generated part of the table; the slash is part of a path, so no formatting.
-// clang-format off
-#define OO_TABLE_INC(part) OO_STRINGIFY(options/engine_test_##part.inc)
-// clang-format on
+#define OO_TABLE_INC "options/engine_test.inc"
 
 class option_obj_test : public option_engine {
 #include "options/family_members.h"
@@ -28,14 +26,12 @@ void script_tokens(std::vector<const char*> tokens);
 const char* scripted_next_arg();
 
 // Collects what diagnostics print while it lives (through DIAGNOSTIC::fp_m).
-class diag_capture {
+class diag_capture : public captured_stream {
  public:
-  diag_capture();
-  ~diag_capture();
-  std::string text();
+  diag_capture() : saved_(DIAGNOSTIC::fp_m) { DIAGNOSTIC::fp_m = file(); }
+  ~diag_capture() { DIAGNOSTIC::fp_m = saved_; }
 
  private:
-  FILE* file_;
   FILE* saved_;
 };
 

@@ -1,38 +1,56 @@
 #pragma once
-// Collect what code writes to a stream.
+// The tests' one way to collect what code writes: a temporary stream that
+// gives back its text, which can stand in for a stream variable (such as
+// DIAGNOSTIC::fp_m) or take over a standard stream's file descriptor.
 #include <unistd.h>
 
 #include <cstdio>
-#include <cstdlib>
 #include <functional>
 #include <string>
 
-// Runs body with stream's file descriptor redirected to a temporary file.
+class captured_stream {
+ public:
+  captured_stream() : file_(std::tmpfile()) {}
+  ~captured_stream() { std::fclose(file_); }
+  captured_stream(const captured_stream&) = delete;
+  captured_stream& operator=(const captured_stream&) = delete;
+
+  FILE* file() const { return file_; }
+  // Everything written so far; later writes are appended.
+  std::string text() const {
+    std::fflush(file_);
+    std::rewind(file_);
+    std::string out;
+    for (int c; (c = std::getc(file_)) != EOF;)
+      out += static_cast<char>(c);
+    std::fseek(file_, 0, SEEK_END);
+    return out;
+  }
+
+ private:
+  FILE* file_;
+};
+
+// What body writes to stream (through its file descriptor, so child processes too).
 inline std::string capture_output(FILE* stream, const std::function<void()>& body) {
-  fflush(stream);
+  captured_stream sink;
+  std::fflush(stream);
   const int saved = dup(fileno(stream));
-  FILE* sink = tmpfile();
-  dup2(fileno(sink), fileno(stream));
+  dup2(fileno(sink.file()), fileno(stream));
   body();
-  fflush(stream);
+  std::fflush(stream);
   dup2(saved, fileno(stream));
   close(saved);
-  std::string text;
-  rewind(sink);
-  for (int c; (c = getc(sink)) != EOF;)
-    text += static_cast<char>(c);
-  fclose(sink);
-  return text;
+  return sink.text();
 }
 
-// Runs body on an in-memory stream.
+// What body writes to the stream it is given.
 inline std::string write_to_string(const std::function<void(FILE*)>& body) {
-  char* data = nullptr;
-  size_t size = 0;
-  FILE* stream = open_memstream(&data, &size);
-  body(stream);
-  fclose(stream);
-  std::string text(data, size);
-  free(data);
-  return text;
+  captured_stream sink;
+  body(sink.file());
+  return sink.text();
+}
+
+inline bool contains(const std::string& text, const std::string& part) {
+  return text.find(part) != std::string::npos;
 }

@@ -53,20 +53,10 @@ TEST(Fnextopt, LongWordsComeBackWhole) {
   EXPECT_EQ(tokens(plain + " \"" + quoted + "\""), (words{plain, quoted}));
 }
 
-// exit(-1) reaches the parent as status 255.
-void expect_abort(const std::string& content, const std::string& message) {
-  EXPECT_EXIT(tokens(content), testing::ExitedWithCode(-1 & 0xff), testing::Eq(message));
-}
-
-TEST(FnextoptDeathTest, UnterminatedCommentOrQuote) {
-  const std::string quote_abort = ">> Unterminated quote in command file; aborting\n";
-  expect_abort("word /* never closed *", ">> Unterminated comment in command file; aborting!\n");
-  expect_abort("w \"abc\tdef\n\n", quote_abort + "   Quote starts at \"abc\\tdef\n");
-  // The excerpt stops 30 characters behind the quote.
-  expect_abort(
-      "pre\"line one\nline two " + std::string(40, 'x'),
-      quote_abort + "   Quote starts at \"line one\\nline two " + std::string(12, 'x') + "\n");
-  expect_abort("w \"\n", quote_abort);
+// The other aborts are the end-to-end cases'; exit(-1) reaches the parent as 255.
+TEST(FnextoptDeathTest, QuoteExcerptShowsLineEndsAndTabsEscaped) {
+  EXPECT_EXIT(tokens("pre\"a\tb\nc"), testing::ExitedWithCode(255),
+              "Quote starts at \"a\\\\tb\\\\nc\n$");
 }
 
 }  // namespace

@@ -44,17 +44,13 @@ void tool_handler(int sig) {
   common_signal_handler(sig, "tool", "while %s", "testing");
 }
 
-TEST(InstallCommonHandlers, CoversTheTwelveSignals) {
-  for (int sig : {SIGILL, SIGABRT, SIGFPE, SIGSEGV, SIGTERM, SIGINT, SIGHUP, SIGTRAP, SIGBUS,
-                  SIGSYS, SIGXCPU, SIGXFSZ}) {
-    struct sigaction saved;
-    sigaction(sig, nullptr, &saved);
-    install_common_handlers(tool_handler, nullptr);
-    struct sigaction now;
-    sigaction(sig, nullptr, &now);
-    EXPECT_EQ(now.sa_handler, tool_handler) << sig;
-    sigaction(sig, &saved, nullptr);
-  }
+TEST(InstallCommonHandlers, InstallsTheToolsHandler) {
+  struct sigaction saved, now;
+  sigaction(SIGSEGV, nullptr, &saved);
+  install_common_handlers(tool_handler, nullptr);
+  sigaction(SIGSEGV, nullptr, &now);
+  EXPECT_EQ(now.sa_handler, tool_handler);
+  sigaction(SIGSEGV, &saved, nullptr);
 }
 
 // Installs the callback, then reports sig, as a tool's handler would.

@@ -5,21 +5,24 @@
 #include <cstring>
 #include <regex>
 #include <string>
+#include <utility>
 
 #include "UTIL/buildid.h"
 #include "capture.h"
 
 namespace {
 
-TEST(Version, ComposedTextsAreBuiltOnce) {
-  EXPECT_STREQ(version_full(), "v25.11.0.LTS");
-  EXPECT_STREQ(os_and_version_short(), "Unix v25.11.0");
-  EXPECT_STREQ(isa_tool_and_version_full(),
-               "ZORVEX Advice and Performance results utility Unix v25.11.0.LTS");
-  for (const char* (*text)() :
-       {version_number, version_short, version_full, isa_and_tool_name, isa_tool_and_version_short,
-        isa_tool_and_version_full, os_and_version_short, os_and_version_full, copyright_full})
-    EXPECT_EQ(text(), text());
+TEST(Version, ComposedTexts) {
+  const std::pair<const char* (*)(), const char*> texts[] = {
+      {version_full, "v25.11.0.LTS"},
+      {isa_tool_and_version_short, "ZORVEX Advice and Performance results utility Unix v25.11.0"},
+      {isa_tool_and_version_full,
+       "ZORVEX Advice and Performance results utility Unix v25.11.0.LTS"},
+      {os_and_version_short, "Unix v25.11.0"},
+      {os_and_version_full, "Unix v25.11.0.LTS"},
+      {isa_and_tool_name, "ZORVEX Advice and Performance results utility"}};
+  for (const auto& [text, expected] : texts)
+    EXPECT_STREQ(text(), expected);
 }
 
 TEST(Version, PrintedLines) {
