@@ -161,6 +161,9 @@ TEST_F(shell_options, ShortCountersRaiseTheNumbersOfOtherRows) {
   EXPECT_EQ(run("tmvx"), 1);
   EXPECT_EQ(opts.getnumarg(S::VERBOSE_TEMPLATE, 0), 3);
   EXPECT_NE(capture.text().find("garbage following option -tmv ignored"), std::string::npos);
+  EXPECT_EQ(run("-verbose_template=9223372036854775807"), 1);
+  EXPECT_EQ(run("tmv"), 1);  // a count at its largest stays there
+  EXPECT_EQ(opts.getnumarg(S::VERBOSE_TEMPLATE, 0), 9223372036854775807);
 }
 
 }  // namespace
