@@ -9,6 +9,8 @@
 #include "options/optobj.h"
 #include "options/optobj_shell.h"
 
+#include <cstdlib>
+#include <memory>
 #include <string>
 
 namespace {
@@ -97,7 +99,7 @@ void ADVICE::emit_advice(DIAGNOSTIC& diag, const std::string& advice_type,
                          const std::string& option, const std::string& value,
                          const std::string& action) {
   const std::string code = std::to_string(diag.info->code);
-  const char* text = diag.get_sp_buffer();
-  add_advice(code, "advice #" + code + "-D: " + (text ? text : ""), advice_type, option, value,
-             action);
+  const std::unique_ptr<char, decltype(&std::free)> text(diag.get_sp_buffer(), &std::free);
+  add_advice(code, "advice #" + code + "-D: " + (text ? text.get() : ""), advice_type, option,
+             value, action);
 }
