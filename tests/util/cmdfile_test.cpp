@@ -58,7 +58,7 @@ void expect_abort(const std::string& content, const std::string& message) {
   EXPECT_EXIT(tokens(content), testing::ExitedWithCode(-1 & 0xff), testing::Eq(message));
 }
 
-TEST(FnextoptDeathTest, UnterminatedCommentOrQuote) {
+TEST(FnextoptDeathTest, UnterminatedCommentOrQuoteOrEndlessWord) {
   const std::string quote_abort = ">> Unterminated quote in command file; aborting\n";
   expect_abort("word /* never closed *", ">> Unterminated comment in command file; aborting!\n");
   expect_abort("w \"abc\tdef\n\n", quote_abort + "   Quote starts at \"abc\\tdef\n");
@@ -67,6 +67,8 @@ TEST(FnextoptDeathTest, UnterminatedCommentOrQuote) {
       "pre\"line one\nline two " + std::string(40, 'x'),
       quote_abort + "   Quote starts at \"line one\\nline two " + std::string(12, 'x') + "\n");
   expect_abort("w \"\n", quote_abort);
+  expect_abort("\"" + std::string(cmdfile_max_word + 1, 'w'),
+               ">> Option in command file longer than 1048576 characters; aborting\n");
 }
 
 }  // namespace
