@@ -14,6 +14,10 @@ have_file /usr/include/boost/property_tree/ptree.hpp || missing+=(libboost-dev)
 have_file /usr/include/gtest/gtest.h                 || missing+=(libgtest-dev)
 have_file /usr/include/gmock/gmock.h                 || missing+=(libgmock-dev)
 have_file /usr/include/benchmark/benchmark.h         || missing+=(libbenchmark-dev)
+have_file /usr/include/libxml2/libxml/parser.h       || missing+=(libxml2-dev)
+# clang and its libFuzzer runtime, for scripts/fuzz.sh
+have_cmd clang++ || missing+=(clang)
+dpkg -s libclang-rt-14-dev >/dev/null 2>&1 || missing+=(libclang-rt-14-dev)
 
 if [ ${#missing[@]} -eq 0 ]; then
     exit 0
