@@ -3,7 +3,8 @@
 # targets with clang into build-fuzz/ (or $FUZZ_BUILD_DIR) and runs TARGET for
 # SECONDS on its committed corpus; new inputs that add coverage are merged,
 # minimised, into tests/fuzz/corpus/TARGET, and a crasher is left in the build
-# directory. Without arguments, lists the targets one per line.
+# directory. Without arguments, lists the targets one per line. FUZZ_FLAGS adds
+# libFuzzer flags (e.g. "-fork=1 -ignore_crashes=1" to go on past crashes).
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 # One target per harness source tests/fuzz/TARGET_fuzz.cpp.
@@ -37,6 +38,8 @@ fi
 # Inputs are kept small: deep nesting and endless words are bounded elsewhere.
 flags=(-max_len=4096 -timeout=10 -rss_limit_mb=2048 -close_fd_mask=3 -print_final_stats=1)
 cd "$build_dir/tests/fuzz"
-nice "./fuzz_$target" "${flags[@]}" "${dict[@]}" -max_total_time="$seconds" "$work" "$corpus"
+# shellcheck disable=SC2086  # FUZZ_FLAGS holds several words
+nice "./fuzz_$target" "${flags[@]}" "${dict[@]}" ${FUZZ_FLAGS:-} -max_total_time="$seconds" \
+    "$work" "$corpus"
 # Only inputs that add coverage to the committed corpus go into it.
 nice "./fuzz_$target" "${flags[@]}" -merge=1 "$corpus" "$work"

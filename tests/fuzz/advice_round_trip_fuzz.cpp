@@ -2,6 +2,7 @@
 // entries, and the written text is well-formed XML.
 #include <libxml/parser.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <exception>
 #include <string>
@@ -11,6 +12,11 @@
 #include "tests/fuzz/fuzz_support.h"
 
 namespace {
+
+[[noreturn]] void fail(const char* what) {
+  std::fprintf(stderr, "round trip: %s\n", what);
+  std::abort();
+}
 
 bool well_formed(const std::string& text) {
   xmlDocPtr doc = xmlReadMemory(text.data(), static_cast<int>(text.size()), nullptr, nullptr,
@@ -35,8 +41,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   } catch (const std::exception&) {
     return 0;  // a document the reader refuses is not written
   }
-  if (!well_formed(file_text(path))) std::abort();
+  if (!well_formed(file_text(path))) fail("the written text is not well-formed XML");
   const ADVICE second(path, link);
-  if (second.get_entries() != entries || second.get_link_advice_flag() != flag) std::abort();
+  if (second.get_entries() != entries || second.get_link_advice_flag() != flag)
+    fail("the document read back differs");
   return 0;
 }
