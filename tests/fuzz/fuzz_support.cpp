@@ -29,10 +29,14 @@ void make_option_objects() {
 }
 
 const char* input_file(const uint8_t* data, size_t size) {
-  static const std::string path = "/tmp/advzorv-fuzz-" + std::to_string(getpid()) + ".xml";
-  std::ofstream(path, std::ios::binary | std::ios::trunc)
+  // Removed when the process ends.
+  static const struct scratch_file {
+    std::string path = "/tmp/advzorv-fuzz-" + std::to_string(getpid()) + ".xml";
+    ~scratch_file() { std::remove(path.c_str()); }
+  } file;
+  std::ofstream(file.path, std::ios::binary | std::ios::trunc)
       .write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
-  return path.c_str();
+  return file.path.c_str();
 }
 
 std::string file_text(const char* path) {
