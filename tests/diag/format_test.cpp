@@ -1,5 +1,6 @@
 // Line wrapping of printed messages and of text formatted for documents.
 #include <cstdlib>
+#include <memory>
 #include <string>
 #include <utility>
 
@@ -9,6 +10,7 @@
 namespace {
 
 using FormatTest = DiagTest;
+using sp_text = std::unique_ptr<char, decltype(&std::free)>;
 
 // The message "error: <text>" of a row whose whole text is one placeholder.
 std::string reported(const std::string& text) {
@@ -64,8 +66,9 @@ TEST_F(FormatTest, IndentAppliesToEveryLineOfAMessage) {
 
 TEST_F(FormatTest, SpPrintLineWidthsAreExactly66And69) {
   auto sp = [](const std::string& text) {
-    return std::string(
-        DIAG::optgen_depdiag_error(__FILE__, __LINE__, text.c_str()).get_sp_buffer());
+    const sp_text formatted(
+        DIAG::optgen_depdiag_error(__FILE__, __LINE__, text.c_str()).get_sp_buffer(), &std::free);
+    return std::string(formatted.get());
   };
   const std::string a60 = std::string(60, 'a') + " ", x66 = std::string(66, 'x') + " ";
   const std::string next = "\n" + std::string(10, ' ');
@@ -82,12 +85,12 @@ TEST_F(FormatTest, SpPrintKeepsEarlierResultsAndIgnoresSuppression) {
   DIAG::shell_tunewise_results five(__FILE__, __LINE__, "5");
   DIAGNOSTIC::wrap_enabled_m = false;  // as the advice document is built
   ASSERT_TRUE(three.suppress());
-  const char* first = three.get_sp_buffer();
-  const char* second = five.get_sp_buffer();
-  EXPECT_STREQ(first,
+  const sp_text first(three.get_sp_buffer(), &std::free);
+  const sp_text second(five.get_sp_buffer(), &std::free);
+  EXPECT_STREQ(first.get(),
                "Tunewise completed and best results were obtained with speed vs size setting 3 "
                "(--opt_for_speed=3).");
-  EXPECT_NE(std::string(second).find("setting 5 (--opt_for_speed=5)."), std::string::npos);
+  EXPECT_NE(std::string(second.get()).find("setting 5 (--opt_for_speed=5)."), std::string::npos);
 }
 
 using FormatDeathTest = DiagTest;
