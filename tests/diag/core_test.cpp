@@ -17,32 +17,6 @@ void report_error(int n) {
   DIAG::optgen_depdiag_error(__FILE__, __LINE__, std::to_string(n).c_str()).report();
 }
 
-TEST_F(CoreTest, RowsAreFoundByTheirCode) {
-  for (int code : {6000, 24010, 99927})
-    EXPECT_EQ(DIAGNOSTIC::get_info(code)->code, code);
-  EXPECT_EQ(DIAGNOSTIC::get_info(12345), nullptr);
-  EXPECT_EQ(DIAGNOSTIC::get_info(0), nullptr);
-}
-
-TEST_F(CoreTest, RemarkIsShownOnlyWithRemarksAndNeverCounts) {
-  EXPECT_EQ(DIAG::optgen_conflict_quiet_option(__FILE__, __LINE__, "-a", "-b").report(), 0);
-  EXPECT_EQ(output(), "");
-  DIAGNOSTIC::remarks_m = true;
-  DIAG::optgen_conflict_quiet_option(__FILE__, __LINE__, "-a", "-b").report();
-  EXPECT_EQ(output(), "remark: option -a clears preceding option -b\n");
-  EXPECT_EQ(DIAGNOSTIC::error_count_m, 0);
-}
-
-TEST_F(CoreTest, WarningsPrintButNeverCount) {
-  for (int i = 0; i < 1000; ++i)
-    DIAG::optgen_depdiag_warning(__FILE__, __LINE__, "w").report();
-  EXPECT_EQ(DIAGNOSTIC::error_count_m, 0);
-  EXPECT_EQ(output().size(), 1000 * std::string("warning: w\n").size());
-  DIAGNOSTIC::warnings_m = false;
-  DIAG::optgen_depdiag_warning(__FILE__, __LINE__, "hidden").report();
-  EXPECT_EQ(output().find("hidden"), std::string::npos);
-}
-
 TEST_F(CoreTest, StreamFollowsTheSeverityUnlessRedirected) {
   DIAGNOSTIC::fp_m = nullptr;
   DIAG::optgen_depdiag_remark remark(__FILE__, __LINE__, "r");
@@ -53,11 +27,6 @@ TEST_F(CoreTest, StreamFollowsTheSeverityUnlessRedirected) {
   EXPECT_EQ(remark.fp(), stderr);
   EXPECT_STREQ(remark.sev_str(), "(unknown)");
   EXPECT_FALSE(remark.suppress());
-}
-
-TEST_F(CoreTest, NullTextArgumentIsShownAsPrintfWould) {
-  DIAG::optgen_conflict_option(__FILE__, __LINE__, nullptr, "-b").report();
-  EXPECT_EQ(output(), "error: option (null) conflicts with previous option -b\n");
 }
 
 TEST_F(CoreDeathTest, HundredthErrorGoesOnAndTheNextOneEndsTheRun) {
@@ -73,15 +42,6 @@ TEST_F(CoreDeathTest, HundredthErrorGoesOnAndTheNextOneEndsTheRun) {
       ::testing::ExitedWithCode(1),
       "error: 100\nstill running\nerror: 101\nfatal error: error limit reached; 100 errors "
       "detected\n$");
-}
-
-TEST_F(CoreDeathTest, FatalRowExitsAndInternalFatalRowAborts) {
-  DIAGNOSTIC::fp_m = nullptr;
-  EXPECT_EXIT(DIAG::optgen_no_small_memmodel(__FILE__, __LINE__).report(),
-              ::testing::ExitedWithCode(1),
-              "^fatal error: Small memory model is no longer supported\n$");
-  EXPECT_EXIT(DIAG::gdie("t.cpp", 5, "gone").report(), ::testing::KilledBySignal(SIGABRT),
-              "^t.cpp:5:internal fatal error #99926: \\(gone\\)\n$");
 }
 
 TEST_F(CoreTest, DebugModeMakesErrorsAndFatalErrorsHarmless) {

@@ -35,46 +35,6 @@ TEST(Radix, SuffixesAndPrefixesPickTheRadix) {
   EXPECT_STREQ(octal_looking, "19q");
 }
 
-TEST(Radix, ConversionLeavesErrnoAsTheConversionSetIt) {
-  errno = 0;
-  option_engine::strtol_by_radix("99999999999999999999", nullptr);
-  EXPECT_EQ(errno, ERANGE);
-  int bad = 0;
-  EXPECT_EQ(option_engine::strtoul_by_radix("FFFFFFFFFFFFFFFFh", &bad), ~0UL);
-  EXPECT_EQ(bad, 0);
-}
-
-TEST_F(Args, AcceptedArgumentsAreStoredAfterTheirCheck) {
-  // One token per row on a fresh object: the option and the text it holds.
-  const std::tuple<const char*, int, const char*> cases[] = {
-      {"-number=1Fh", T::NUMBER, "31"},
-      {"-level=0x8", T::LEVEL, "8"},
-      {"-hex=ffh", T::HEX, "0xFF"},
-      {"-hex=0x7FFFFFFFFFFFFFFF", T::HEX, "0x7FFFFFFFFFFFFFFF"},
-      {"-color=GREEN", T::COLOR, "green"},
-      {"-color=teal", T::COLOR, "teal"},  // unlisted
-      {"-shapes=SQUARE", T::SHAPES, "square"},
-  };
-  for (const auto& [token, id, text] : cases) {
-    T fresh;
-    EXPECT_EQ(fresh.process_option(token, nullptr), 1) << token;
-    EXPECT_STREQ(fresh.getstrarg(id, 0), text) << token;
-  }
-  run("-numbers=1");
-  script_tokens({"2", "Red"});  // arguments in the next token
-  run("-numbers");
-  EXPECT_EQ(opts.getnumarg(T::NUMBERS, 1), 2);
-  run("-color");
-  EXPECT_EQ(opts.getnumarg(T::COLOR, 0), T::ITEM_COLOR_RED);
-  run("-shapes=round");
-  run("-shapes=square");
-  EXPECT_STREQ(opts.getstrarg(T::SHAPES, 1), "square");
-  EXPECT_EQ(capture_output(stderr, [this] { EXPECT_EQ(run("-color=Crimson"), 1); }),
-            "WARNING: argument 'crimson' to option '--color' is deprecated and will be removed "
-            "in a future release\n");
-  EXPECT_EQ(opts.getnumarg(T::COLOR, 0), T::ITEM_COLOR_CRIMSON);
-}
-
 // An unsigned option without a range of its own is handed the signed bounds,
 // so it is not "unbounded" for its type: values above them are refused, and
 // the message names both bounds, cut to 32 bits.
@@ -101,15 +61,6 @@ TEST_F(Args, RefusedArgumentsEndTheRunWithAMessageNamingOptionAndArgument) {
   };
   for (const auto& [token, message] : cases)
     EXPECT_EXIT(run(token), ExitedWithCode(1), message) << token;
-}
-
-TEST_F(Args, AnIdOutsideTheTableParsesNothing) {
-  const int outside = T::OPTION_COUNT;
-  EXPECT_EQ(opts.parse_arg(outside, "", "", parse_text, nullptr), nullptr);
-  EXPECT_EQ(opts.parse_arg(outside, "=-3", "", parse_number, nullptr), nullptr);
-  opts.check_numerical_arg(parse_number, outside, "", "x", nullptr);  // returns quietly
-  long value = 0;
-  EXPECT_EQ(opts.parse_oneof(outside, "=red", "", parse_oneof_type, &value), 0);
 }
 
 }  // namespace

@@ -14,17 +14,6 @@ using T = option_obj_test;
 
 using Scan = test_table_fixture;
 
-TEST_F(Scan, EmptyTextIsAcceptedAndChangesNothing) {
-  EXPECT_EQ(run(""), 1);
-  EXPECT_EQ(run(nullptr), 1);
-  for (int id = 0; id < T::OPTION_COUNT; ++id) {
-    if (id != T::KEEP) {
-      EXPECT_EQ(opts.option_state[id], 0);
-    }
-  }
-  EXPECT_EQ(opts.history.size(), 1u);  // only the constructor's default
-}
-
 // One token on a fresh object: whether it is accepted, then per option its
 // state and its first argument ("" for none; nullptr leaves it unchecked).
 struct scan_case {
@@ -86,41 +75,6 @@ TEST_F(Scan, FailurePositionPointsWhereTheWalkStopped) {
   const char* letter = "-vq";  // no short spelling begins with q
   EXPECT_EQ(opts.process_option(letter + 1, &pos), 0);
   EXPECT_EQ(pos, letter + 1);
-}
-
-TEST_F(Scan, ArgumentInTheNextTokenAndTheSameOptionTwice) {
-  script_tokens({"-looks-like-option"});
-  EXPECT_EQ(run("-alpha_beta"), 1);
-  EXPECT_STREQ(opts.getstrarg(T::ALPHA_BETA, 0), "-looks-like-option");
-  run("-alpha_beta=b");
-  EXPECT_EQ(opts.option_state[T::ALPHA_BETA], 2);
-  EXPECT_EQ(opts.option_parsed[T::ALPHA_BETA], 2u);
-  EXPECT_STREQ(opts.getstrarg(T::ALPHA_BETA, 0), "b");
-  int entries = 0;
-  for (const auto& [id, arg] : opts.history)
-    entries += id == T::ALPHA_BETA && arg.text == "b";
-  EXPECT_EQ(entries, 1);
-  run("nfirst");
-  run("n=second");
-  EXPECT_EQ(opts.getargcount(T::NAMES), 2);
-  EXPECT_EQ(opts.option_form[T::NAMES], 1);
-}
-
-TEST_F(Scan, CaseFoldingWarnsUnlessTheSpellingIsQuiet) {
-  diag_capture capture;
-  EXPECT_EQ(run("-ALPHA"), 1);
-  EXPECT_EQ(run("-Rate=1"), 1);
-  EXPECT_EQ(run("V"), 1);
-  std::string text = capture.text();
-  EXPECT_NE(text.find("Case insensitivity of options has been deprecated; -ALPHA must be "
-                      "written as -alpha in future releases"),
-            std::string::npos);
-  EXPECT_NE(text.find("V must be written as v"), std::string::npos);
-  EXPECT_EQ(run("-VERBOSE=1"), 0);  // no match, so no warning either
-  EXPECT_EQ(capture.text().find("VERBOSE"), std::string::npos);
-  EXPECT_EQ(text.find("Rate"), std::string::npos);
-  EXPECT_EQ(opts.option_state[T::ALPHA], 1);
-  EXPECT_EQ(opts.error_count, 0);  // a warning counts nothing
 }
 
 TEST_F(Scan, WhatAnOptionDoesBeyondBeingStored) {

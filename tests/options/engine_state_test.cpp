@@ -18,17 +18,6 @@ class State : public test_table_fixture {
   }
 };
 
-TEST_F(State, ListOptionKeepsAnEntryPerSetting) {
-  run("-names=a");
-  const char* first = opts.getstrarg(T::NAMES, 0);
-  for (const char* more : {"n=b", "n=c", "n=d", "n=e", "n=f"})
-    run(more);
-  EXPECT_EQ(opts.getargcount(T::NAMES), 6);
-  EXPECT_EQ(history_entries(T::NAMES), 6);
-  EXPECT_EQ(opts.history.back().second.text, "f");
-  EXPECT_STREQ(first, "a");  // a borrowed text outlives later additions
-}
-
 TEST_F(State, SetargOnAnUnseenOptionSetsItFirst) {
   opts.setarg(T::NUMBER, 12L);
   EXPECT_EQ(opts.option_state[T::NUMBER], 1);
@@ -47,26 +36,6 @@ TEST_F(State, TextArgumentsConvertToNumbersByRadix) {
   opts.setarg(T::COLOR, 99L);  // no item has it: printed as the number
   EXPECT_STREQ(opts.getstrarg(T::COLOR, 0), "99");
   EXPECT_EQ(opts.getstrarg(T::COLOR, 1), nullptr);
-}
-
-TEST_F(State, ClearoptResetsAllButSeenFormAndParsed) {
-  run("n=x");
-  opts.clearopt(T::NAMES);
-  EXPECT_EQ(opts.option_state[T::NAMES], 0);
-  EXPECT_EQ(opts.option_seen[T::NAMES], 2u);
-  EXPECT_EQ(opts.option_parsed[T::NAMES], 1u);
-  EXPECT_EQ(opts.option_form[T::NAMES], 1);
-  EXPECT_EQ(opts.getstrarg(T::NAMES, 0), nullptr);
-  EXPECT_EQ(opts.getargcount(T::NAMES), 0);
-  EXPECT_EQ(history_entries(T::NAMES), 0);
-}
-
-TEST_F(State, PersistentOptionSurvivesClearing) {
-  opts.clearopt(T::KEEP);
-  opts.clearclassmembers(3);
-  EXPECT_EQ(opts.option_state[T::KEEP], 1);
-  EXPECT_STREQ(opts.getstrarg(T::KEEP, 0), "high");
-  EXPECT_EQ(history_entries(T::KEEP), 1);
 }
 
 TEST_F(State, GetArgumentDescribesTheStoredValues) {
@@ -114,22 +83,6 @@ TEST_F(State, QuietConflictClearsWithoutAWordUnlessDebugging) {
   capture_output(stdout, [this] { run("-quiet_a"); });  // debug trace lines
   EXPECT_NE(capture.text().find("option --quiet_a clears preceding option --quiet_b"),
             std::string::npos);
-}
-
-TEST_F(State, OverrideWarnsAndTheLaterOptionWinsInEitherOrder) {
-  diag_capture capture;
-  run("g");
-  run("-over_a");
-  EXPECT_EQ(opts.option_state[T::OVER_B], 0);
-  EXPECT_EQ(history_entries(T::OVER_B), 0);
-  run("ga");  // the same option again: no conflict with itself
-  run("-over_b");
-  EXPECT_EQ(opts.option_state[T::OVER_A], 0);
-  EXPECT_EQ(opts.option_state[T::OVER_B], 1);
-  std::string text = capture.text();
-  EXPECT_NE(text.find("option --over_a overrides preceding option -g\n"), std::string::npos);
-  EXPECT_NE(text.find("option --over_b overrides preceding option -ga"), std::string::npos);
-  EXPECT_EQ(opts.error_count, 0);
 }
 
 TEST_F(State, HardConflictEndsTheRunAtTheSecondOption) {

@@ -15,6 +15,8 @@ namespace {
 // The largest pointer value the handlers take for a small integer.
 const char* const not_a_text = reinterpret_cast<const char*>(100000);
 
+void tool_handler(int sig);
+
 std::string support_message() {
   return capture_output(stderr, print_support_message);
 }
@@ -33,9 +35,9 @@ TEST(FatalError, SupportMessageNamesTheToolAndHandlersAreInstalled) {
       << support_message();
   struct sigaction saved, now;
   sigaction(SIGSEGV, nullptr, &saved);
-  install_common_handlers(SIG_IGN, nullptr);
+  install_common_handlers(tool_handler, nullptr);
   sigaction(SIGSEGV, nullptr, &now);
-  EXPECT_EQ(now.sa_handler, SIG_IGN);
+  EXPECT_EQ(now.sa_handler, tool_handler);
   sigaction(SIGSEGV, &saved, nullptr);
 }
 

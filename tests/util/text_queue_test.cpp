@@ -65,39 +65,4 @@ TEST(TextQueue, TwoColumns) {
                 std::string(31, 'i') + blanks(72 - 32) + "\n");
 }
 
-TEST(TextQueue, KeyWidths) {
-  // A longer key is cut, unless it gets a line of its own.
-  EXPECT_EQ(listing(3, sort_as_added, {{"--long", 0}, {"-a", 0}}),
-            "T\n  --l Text of --long\n  -a  Text of -a\n");
-  EXPECT_EQ(listing(3, sort_as_added, {{"--long", 0}, {"-a", 0}}, 1, long_key_on_own_line),
-            "T\n  --long\n" + blanks(6) + "Text of --long\n  -a  Text of -a\n");
-
-  // Width 0: the longest key ever queued (no other test queues one as long),
-  // remembered across listings.
-  const std::string long_key = "--" + std::string(68, 'k');
-  init_queue("T", 0, sort_as_added);
-  queueup(long_key.c_str(), "x", 0);
-  EXPECT_EQ(capture_output(stdout, [] { print_queue(1, sort_by_key, 0); }),
-            "T\n  " + long_key + " X\n");
-  init_queue("T", 0, sort_as_added);
-  queueup("-b", "y", 0);
-  EXPECT_EQ(capture_output(stdout, [] { print_queue(1, sort_by_key, 0); }),
-            "T\n  -b" + blanks(68) + " Y\n");
-}
-
-TEST(TextQueue, ExtraIndentWidensContinuationLines) {
-  // Padding of 4 + 6 + 3 leaves 66 columns, then continuation lines are indented by 14.
-  const std::string key = "-k" + std::string(60, 'k');
-  const std::string printed = listing(4, sort_as_added, {{key.c_str(), 0}}, 1, sort_by_key, 6);
-  EXPECT_EQ(printed, "T\n  -kkk Text of\n" + blanks(14) + key + "\n");
-}
-
-TEST(TextQueue, EmptyQueuePrintsNothingAndKeepsItsTitle) {
-  init_queue("Kept", 2, sort_as_added);
-  EXPECT_EQ(capture_output(stdout, [] { EXPECT_EQ(print_queue(1, sort_by_key, 0), 0); }), "");
-  queueup("-a", "x", 0);
-  EXPECT_EQ(capture_output(stdout, [] { print_queue(1, sort_by_key, 0); }), "Kept\n  -a X\n");
-  EXPECT_EQ(print_queue(1, sort_by_key, 0), 0);  // printing emptied it
-}
-
 }  // namespace
