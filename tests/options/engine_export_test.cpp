@@ -40,7 +40,11 @@ TEST_F(Export, ExportGivesParsableText) {
   opts.clearopt(T::COLOR);
   EXPECT_EQ(exported(T::COLOR, 0), "(null)");  // cleared
   run("-zip");
-  EXPECT_EQ(exported(T::ZIP, 0), "--zip");  // set without a value
+  EXPECT_EQ(exported(T::ZIP, 0), "--zip");                            // set without a value
+  const option_row& mode = opts.table().option_definitions[T::MODE];  // help's left column
+  EXPECT_STREQ(T::get_opt_txt(mode.long_form, mode.alt_forms, mode.short_form, mode.arg_text,
+                              mode.arg_optional),
+               "--mode,-m[=mode]");
   char* line = opts.print();
   EXPECT_STREQ(line, "--keep=high --names=a --names=b --verbose --zip");
   std::free(line);

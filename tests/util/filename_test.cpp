@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <set>
 #include <string>
 
 #include "tests/util/capture.h"
@@ -206,6 +207,21 @@ TEST(FileNamesDeathTest, TemporaryNameWithoutMemoryEndsTheProcess) {
         fn_tmpnam(nullptr, nullptr, tmp.path().c_str());
       },
       testing::ExitedWithCode(1), "^ERROR: cannot create temporary file name; out of memory\n$");
+}
+
+TEST(FileNames, DirectoryEntriesAreListedUntilTheEnd) {
+  TempDir tmp;
+  write_file(tmp.file("a"), "");
+  write_file(tmp.file("b"), "");
+  int flag = 7;
+  std::set<std::string> seen;
+  for (const char* entry = fn_get_dir_entry(tmp.path().c_str(), &flag); entry;
+       entry = fn_get_dir_entry(nullptr, &flag))
+    seen.insert(entry);
+  EXPECT_EQ(seen, (std::set<std::string>{".", "..", "a", "b"}));
+  EXPECT_EQ(flag, 0);
+  EXPECT_EQ(fn_get_dir_entry(nullptr, &flag), nullptr);  // the directory was forgotten
+  EXPECT_EQ(fn_get_dir_entry(tmp.file("missing").c_str(), &flag), nullptr);
 }
 
 TEST(FileNames, WorkingDirectoryFollowsChangeDir) {
