@@ -16,6 +16,7 @@
 
 #include <boost/property_tree/xml_parser.hpp>
 
+#include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
@@ -192,6 +193,23 @@ TEST_F(Documents, ALevelSeriesDrawsCyanAndRedBarsAndAnIncompleteEventIsRefused) 
   EXPECT_EQ(bars(), "1:300:cyan off:400:red ");
 }
 
+// In a speed series the largest bar of a link without errors is the one green
+// bar; of two equal ones the later key; a key built again replaces its bar.
+TEST_F(Documents, TheLargestCleanBarIsTheOnlyGreenOne) {
+  const auto append = [&](const std::string& value, uint32_t size, int errors) {
+    link_code(size, errors);
+    run({"--benchmark:event=append", "--benchmark:option=--opt_for_speed",
+         "--benchmark:option_value=" + value});
+  };
+  append("1", 500, 0);
+  append("2", 800, 0);
+  append("3", 800, 0);
+  append("4", 5000, 1);
+  EXPECT_EQ(bars(), "1:500:yellow 2:800:yellow 3:800:green 4:5000:red ");
+  append("4", 700, 0);
+  EXPECT_EQ(bars(), "1:500:yellow 2:800:yellow 3:800:green 4:700:yellow ");
+}
+
 // A bar that can't be read ends the chart's reading there.
 TEST_F(Documents, ReadingBarsStopsAtTheFirstBadOne) {
   write_file(results_path,
@@ -201,6 +219,36 @@ TEST_F(Documents, ReadingBarsStopsAtTheFirstBadOne) {
              "<bar option_value=\"0\" value=\"10\" color=\"cyan\"/></chart></body>");
   run({});
   EXPECT_EQ(bars(), "7:70:cyan ");
+}
+
+// The level advice: its code and value follow the level, its note the debug information.
+TEST_F(Documents, TheLevelAdviceFollowsLevelAndDebugInformation) {
+  const std::string none = "27007 3 Detecting compilation without optimization. ",
+                    low = "27008 3 Detecting compilation with low optimization. ",
+                    three = "27009 4 Detecting compilation at optimization level 3. ";
+  const std::string debug = " NOTE: debug ability will decrease.";
+  const std::pair<tokens, std::string> cases[] = {
+      {{}, none + "Recommend setting --opt_level=3." + debug},
+      {{"-Ooff", "--symdebug:none"}, none + "Recommend setting --opt_level=3."},
+      {{"-O0"}, low + "Recommend setting --opt_level=3." + debug},
+      {{"-O2", "--symdebug:none"}, low + "Recommend setting --opt_level=3."},
+      {{"-O3"},
+       three + "Recommend setting --opt_level=4. NOTE: Compilation time will increase "
+               "and debug ability will decrease."},
+      {{"-O3", "--symdebug:none"},
+       three + "Recommend setting --opt_level=4. NOTE: Compilation time will increase."},
+  };
+  for (const auto& [shell, expected] : cases) {
+    std::filesystem::remove(advice_path);
+    run({}, shell);
+    std::string got;
+    const ADVICE advice(advice_path.c_str());
+    for (const auto& [code, entry] : advice.get_entries())
+      if (entry.advice_type == "opt_setting" && entry.option == "--opt_level" &&
+          entry.action == "gotoBuildOption:--opt_level")
+        got += code + " " + entry.value + " " + entry.msg.substr(entry.msg.find(": ") + 2);
+    EXPECT_EQ(got, expected) << expected;
+  }
 }
 
 TEST_F(Documents, TheSeriesResultGoesOnceTheBuildUsesItsValue) {

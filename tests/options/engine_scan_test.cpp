@@ -99,6 +99,9 @@ TEST_F(Scan, WhatAnOptionDoesBeyondBeingStored) {
   run("-enum=Int");
   EXPECT_STREQ(opts.getstrarg(T::ENUM, 0), "unpacked");
   EXPECT_EQ(opts.error_count, 0);
+  EXPECT_EQ(capture_output(stderr, [this] { run("-color=Crimson"); }),
+            "WARNING: argument 'crimson' to option '--color' is deprecated and will be removed "
+            "in a future release\n");
   run("-align=6");
   run("-old_remark");
   run("-old_warning");

@@ -1,0 +1,59 @@
+// The build's optimisation level and size/speed goal, as the shell options of
+// a command file leave them once the options are post-processed.
+#include "ADVICE_PERF/build_settings.h"
+#include "ADVICE_PERF/driver.h"
+#include "options/optobj_shell.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <utility>
+#include <vector>
+
+namespace {
+
+struct settings {
+  int level;
+  int goal;
+};
+
+// Scans the tokens (as they stand in a command file) into a fresh shell
+// option object and reads both settings back.
+settings settings_after(const std::vector<const char*>& tokens) {
+  auto options = std::make_unique<option_obj_shell>(true);
+  global_options = options.get();
+  for (const char* token : tokens)
+    EXPECT_EQ(options->process_option(token + 1, nullptr), 1) << token;
+  options->post_process_option_depends();
+  settings result{opt_level(), size_speed_goal()};
+  global_options = nullptr;
+  return result;
+}
+
+TEST(BuildSettings, LevelAndGoalFromTheTokensThatSetThem) {
+  const std::pair<std::vector<const char*>, settings> cases[] = {
+      {{}, {-1, 2}},  // unoptimised, with the default goal
+      {{"-O"}, {2, 2}},
+      {{"-O3"}, {3, 2}},
+      {{"-o0"}, {0, 2}},
+      {{"--opt_level=4"}, {4, 2}},
+      {{"-Ooff"}, {-1, 2}},
+      {{"-O3", "--no_high_level_opt"}, {-1, 2}},
+      {{"--no_high_level_opt", "-O3"}, {3, 2}},
+      {{"--opt_for_speed"}, {-1, 4}},
+      {{"--opt_for_speed=1"}, {-1, 1}},
+      {{"-mf5"}, {-1, 5}},
+      {{"--opt_for_space"}, {-1, 0}},
+      {{"-ms"}, {-1, 0}},
+      {{"--size_speed_goal=LOW_RISK_PERFORMANCE"}, {-1, 3}},
+      {{"-ms", "--opt_for_speed=3"}, {-1, 3}},
+  };
+  for (const auto& [tokens, expected] : cases) {
+    SCOPED_TRACE(tokens.size() ? *tokens.begin() : "(none)");
+    const settings got = settings_after(tokens);
+    EXPECT_EQ(got.level, expected.level);
+    EXPECT_EQ(got.goal, expected.goal);
+  }
+}
+
+}  // namespace
