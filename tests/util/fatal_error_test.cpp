@@ -1,8 +1,10 @@
 #include "UTIL/fatal_error.h"
+#include "UTIL/safemalloc.h"
 
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <cstdint>
 #include <cstring>
 #include <functional>
 #include <regex>
@@ -114,6 +116,14 @@ TEST(FatalError, SigstrnappendAppendsWhatFits) {
   sigstrnappend(const_cast<char*>(not_a_text), 10, "%s", "lost");
   sigstrnappend(kept, sizeof kept, not_a_text);
   EXPECT_STREQ(kept, "keptkept");
+}
+
+TEST(SafeMallocDeathTest, ExhaustionEndsTheProcess) {
+  const size_t impossible = SIZE_MAX - 16;
+  const auto message = testing::Eq(std::string("ERROR: out of memory\n"));
+  EXPECT_EXIT(safemalloc(impossible), testing::ExitedWithCode(1), message);
+  EXPECT_EXIT(saferealloc(nullptr, impossible), testing::ExitedWithCode(1), message);
+  EXPECT_EXIT(safecalloc(impossible, 2), testing::ExitedWithCode(1), message);
 }
 
 }  // namespace
