@@ -18,7 +18,8 @@ class State : public test_table_fixture {
   }
 };
 
-TEST_F(State, SetargOnAnUnseenOptionSetsItFirst) {
+// setarg on an unseen option sets it first.
+TEST_F(State, StoredValues) {
   opts.setarg(T::NUMBER, 12L);
   EXPECT_EQ(opts.option_state[T::NUMBER], 1);
   ASSERT_EQ(history_entries(T::NUMBER), 1);
@@ -26,9 +27,7 @@ TEST_F(State, SetargOnAnUnseenOptionSetsItFirst) {
   EXPECT_EQ(opts.getnumarg(T::NUMBER, 0), 12);
   opts.setarg(T::ALPHA_BETA, nullptr);  // a null text does nothing
   EXPECT_EQ(opts.option_state[T::ALPHA_BETA], 0);
-}
-
-TEST_F(State, TextArgumentsConvertToNumbersByRadix) {
+  // Text arguments convert to numbers by radix.
   opts.setopt(T::ALPHA_BETA, "0x10");
   EXPECT_EQ(opts.getnumarg(T::ALPHA_BETA, 0), 16);
   opts.setopt(T::COLOR, "green");
@@ -36,9 +35,7 @@ TEST_F(State, TextArgumentsConvertToNumbersByRadix) {
   opts.setarg(T::COLOR, 99L);  // no item has it: printed as the number
   EXPECT_STREQ(opts.getstrarg(T::COLOR, 0), "99");
   EXPECT_EQ(opts.getstrarg(T::COLOR, 1), nullptr);
-}
-
-TEST_F(State, GetArgumentDescribesTheStoredValues) {
+  // get_argument describes the stored values.
   run("n=one");
   run("n=two");
   run("-hex=10h");
@@ -94,7 +91,8 @@ TEST_F(State, HardConflictEndsTheRunAtTheSecondOption) {
   EXPECT_EQ(opts.option_state[T::HARD_A], 1);
 }
 
-TEST_F(State, CopyIsDeepAndStartsWithoutHistory) {
+// A copy is deep and starts without history.
+TEST_F(State, CopiesAreDeep) {
   run("n=one");
   run("-color=red");
   opts.error_count = 3;
@@ -107,9 +105,7 @@ TEST_F(State, CopyIsDeepAndStartsWithoutHistory) {
   EXPECT_TRUE(copy.history.empty());
   EXPECT_EQ(copy.error_count, 0);
   EXPECT_EQ(copy.option_parsed[T::NAMES], 1u);
-}
-
-TEST_F(State, AssignmentKeepsTheTargetsHistoryAndCount) {
+  // Assignment keeps the target's history and count.
   T target;
   target.process_option("-alpha", nullptr);
   target.error_count = 2;
