@@ -6,6 +6,8 @@
 #include "ADVICE_PERF/link_data.h"
 #include "DIAG/messages.h"
 
+#include <cstdlib>
+#include <memory>
 #include <string>
 
 void ADVICE::update() {
@@ -84,7 +86,7 @@ void ADVICE::emit_advice(DIAGNOSTIC& diag, const std::string& advice_type,
                          const std::string& option, const std::string& value,
                          const std::string& action) {
   const std::string code = std::to_string(diag.info->code);
-  const char* text = diag.get_sp_buffer();
-  add_advice(code, "advice #" + code + "-D: " + (text ? text : ""), advice_type, option, value,
-             action);
+  const std::unique_ptr<char, decltype(&std::free)> text(diag.get_sp_buffer(), &std::free);
+  add_advice(code, "advice #" + code + "-D: " + (text ? text.get() : ""), advice_type, option,
+             value, action);
 }

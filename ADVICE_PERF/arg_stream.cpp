@@ -3,6 +3,7 @@
 #include "ADVICE_PERF/driver.h"
 #include "UTIL/cmdfile.h"
 
+#include <sys/stat.h>
 #include <cstdlib>
 
 FILE* cmd_file = nullptr;
@@ -12,6 +13,13 @@ namespace {
 char* cmd_token = nullptr;
 // Index of the next argv element to hand out.
 int arg_index = 1;
+
+// A directory opens for reading but reads as nothing: it is no command file.
+// Pipes and devices are read as they come.
+bool is_directory(FILE* file) {
+  struct stat status {};
+  return fstat(fileno(file), &status) == 0 && S_ISDIR(status.st_mode);
+}
 }  // namespace
 
 const char* next_arg() {
@@ -29,6 +37,10 @@ const char* next_arg() {
 
 void open_cmd_file(const char* path) {
   cmd_file = std::fopen(path, "r");
+  if (cmd_file && is_directory(cmd_file)) {
+    std::fclose(cmd_file);
+    cmd_file = nullptr;
+  }
   if (!cmd_file) {
     std::fprintf(stderr, "Cannot open command file %s\n", path);
     std::exit(1);

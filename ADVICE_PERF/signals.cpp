@@ -4,6 +4,7 @@
 #include "ADVICE_PERF/file_replace.h"
 #include "UTIL/fatal_error.h"
 
+#include <signal.h>
 #include <unistd.h>
 #include <csignal>
 #include <cstdio>
@@ -51,7 +52,19 @@ void signal_handler(int sig) {
 }
 
 void install_signal_handlers() {
+  // The handler runs on a stack of its own, so that a stack overflow, which
+  // leaves the faulting stack no room, still ends with the report.
+  alignas(16) static char handler_stack[64 * 1024];
+  stack_t stack{};
+  stack.ss_sp = handler_stack;
+  stack.ss_size = sizeof handler_stack;
+  sigaltstack(&stack, nullptr);
+
+  struct sigaction action {};
+  action.sa_handler = signal_handler;
+  action.sa_flags = SA_ONSTACK | SA_RESTART;
+  sigemptyset(&action.sa_mask);
   for (int sig : {SIGINT, SIGTERM, SIGHUP, SIGILL, SIGABRT, SIGFPE, SIGSEGV, SIGTRAP, SIGBUS,
                   SIGSYS, SIGXCPU, SIGXFSZ})
-    std::signal(sig, signal_handler);
+    sigaction(sig, &action, nullptr);
 }

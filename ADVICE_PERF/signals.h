@@ -5,5 +5,6 @@
 // Reports the signal and ends the process; never returns.
 [[noreturn]] void signal_handler(int sig);
 
-// Installs signal_handler for the twelve signals the tool catches.
+// Installs signal_handler, on an alternate signal stack, for the twelve
+// signals the tool catches.
 void install_signal_handlers();

@@ -6,6 +6,7 @@
 #include <map>
 
 #include "DIAG/messages.h"
+#include "UTIL/process_end.h"
 
 bool DIAGNOSTIC::wrap_enabled_m = true;
 bool DIAGNOSTIC::warnings_m = true;
@@ -157,7 +158,7 @@ void DIAGNOSTIC::flush() {
   if (info->severity > dc_warning) ++error_count_m;
   if (info->severity > dc_error) {
     if (info->internal) std::abort();
-    std::exit(1);
+    end_process(1);
   }
   if (error_count_m > max_errors_m) {
     DIAG::max_errors limit(limit_src_file, limit_src_line, static_cast<unsigned>(max_errors_m));

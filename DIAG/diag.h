@@ -81,7 +81,8 @@ class DIAGNOSTIC {
   virtual DIAGNOSTIC* alloc() const = 0;
   // Prints the header; a derived class adds its text and flushes.
   virtual int report();
-  // The text formatted for a document; null here.
+  // The text formatted for a document, as a new heap string the caller frees
+  // with free; null here.
   virtual char* get_sp_buffer();
   // Same row and equal source positions; both objects need a srcinfo.
   virtual bool is_equal(DIAGNOSTIC* other);

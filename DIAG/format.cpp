@@ -8,6 +8,7 @@
 #include <string>
 
 #include "DIAG/diag.h"
+#include "UTIL/process_end.h"
 #include "UTIL/safemalloc.h"
 
 namespace {
@@ -15,10 +16,6 @@ namespace {
 // print() formats into one buffer that is reused by every message.
 char* print_buffer = nullptr;
 size_t print_buffer_size = 0;
-
-// The last result of sp_print; callers keep their pointers until the end of
-// the process, so earlier results are never freed.
-char* last_sp_buffer = nullptr;
 
 // Layout of text formatted for documents.
 constexpr int32_t sp_first_line_cols = 66;
@@ -88,12 +85,12 @@ char* DIAGNOSTIC::sp_print(const char* format, ...) {
   va_end(args);
   if (length < 0) {
     std::fputs("OUT OF MEMORY - APPLICATION ABORTED\n", stderr);
-    std::exit(1);
+    end_process(1);
   }
   int32_t cols = sp_first_line_cols;
-  last_sp_buffer = print_formatted(text, true, &cols, sp_diag_cols, sp_indent, sp_wrap_indent);
+  char* formatted = print_formatted(text, true, &cols, sp_diag_cols, sp_indent, sp_wrap_indent);
   std::free(text);
-  return last_sp_buffer;
+  return formatted;
 }
 
 void DIAGNOSTIC::open_line(std::string* buffer, int32_t* cols, int width, int indent,

@@ -4,25 +4,40 @@
 #include <cctype>
 #include <cstdlib>
 #include <string_view>
+#include <utility>
 
+#include "UTIL/process_end.h"
 #include "UTIL/safemalloc.h"
 
 namespace {
 
-const size_t growth = 80;
+const size_t initial_capacity = 80;
 
 // Quote excerpts show at most this many characters of the quoted text.
 const size_t excerpt_length = 30;
 
-// A word under construction, in a buffer that grows without limit.
+[[noreturn]] void word_too_long() {
+  fprintf(stderr, ">> Option in command file longer than %zu characters; aborting\n",
+          cmdfile_max_word);
+  end_process(-1);
+}
+
+// A word under construction, in a buffer that doubles up to the longest word;
+// freed unless released.
 struct word_buffer {
-  char* text = static_cast<char*>(safemalloc(growth));
+  char* text = static_cast<char*>(safemalloc(initial_capacity));
   size_t length = 0;
-  size_t capacity = growth;
+  size_t capacity = initial_capacity;
+
+  word_buffer() = default;
+  word_buffer(const word_buffer&) = delete;
+  word_buffer& operator=(const word_buffer&) = delete;
+  ~word_buffer() { free(text); }
 
   void push(char c) {
+    if (length == cmdfile_max_word) word_too_long();
     if (length + 1 == capacity) {
-      capacity += growth;
+      capacity *= 2;
       text = static_cast<char*>(saferealloc(text, capacity));
     }
     text[length++] = c;
@@ -33,7 +48,7 @@ struct word_buffer {
   // Hands the terminated word to the caller; the buffer is not used afterwards.
   char* release() {
     text[length] = '\0';
-    return text;
+    return std::exchange(text, nullptr);
   }
 };
 
@@ -53,7 +68,7 @@ void skip_block_comment(FILE* stream) {
     if (previous == '*' && c == '/') return;
   fputs(">> Unterminated comment in command file;", stderr);
   fputs(" aborting!\n", stderr);
-  exit(-1);
+  end_process(-1);
 }
 
 [[noreturn]] void unterminated_quote(const word_buffer& word, size_t quote_start) {
@@ -74,7 +89,7 @@ void skip_block_comment(FILE* stream) {
     }
     fputc('\n', stderr);
   }
-  exit(-1);
+  end_process(-1);
 }
 
 // After a pending backslash, a double quote or a backslash replaces it. Any
@@ -137,9 +152,5 @@ char* fnextopt(FILE* stream) {
     }
   }
 
-  if (word.empty()) {
-    free(word.text);
-    return nullptr;
-  }
-  return word.release();
+  return word.empty() ? nullptr : word.release();
 }

@@ -75,8 +75,8 @@ FILE_HANDLE_MANAGER::FILE_HANDLE_MANAGER()
 }
 
 FILE_HANDLE_MANAGER::~FILE_HANDLE_MANAGER() {
-  for (int32_t slot = 0; slot < max_handles; ++slot)
-    if (handles[slot]) close(handles[slot]);
+  for (int32_t index = 0; index < next_file; ++index)
+    if (files[index]) close(files[index]);
   delete std_in;
   delete std_out;
   delete std_err;

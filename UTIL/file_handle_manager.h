@@ -57,7 +57,7 @@ class FILE_HANDLE_MANAGER {
   static FILE_HANDLE_MANAGER& FHM();
 
   FILE_HANDLE_MANAGER();
-  // Closes the files that hold streams; evicted files stay behind.
+  // Closes every managed file, open or evicted, and frees it.
   ~FILE_HANDLE_MANAGER();
   FILE_HANDLE_MANAGER(const FILE_HANDLE_MANAGER&) = delete;
   FILE_HANDLE_MANAGER& operator=(const FILE_HANDLE_MANAGER&) = delete;

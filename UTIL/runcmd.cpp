@@ -28,6 +28,8 @@ bool command_files_disabled = false;
 int dump_files = 0;
 int dump_args = 0;
 char* search_path = nullptr;
+// The copy set_execution_path_to_search_path made; freed when it makes the next.
+char* owned_search_path = nullptr;
 int echo = 0;
 
 // The escaped body of the argument being quoted; kept and enlarged across calls.
@@ -373,7 +375,8 @@ void set_execution_path_to_search_path(char* program) {
        path[length - 2] != ':';
        --length)
     path[length - 1] = '\0';
-  search_path = path;
+  free(owned_search_path);
+  search_path = owned_search_path = path;
 }
 
 argv_list::argv_list(const char* command, const char* cmd_file_option, int echo_level)

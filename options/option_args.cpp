@@ -8,6 +8,7 @@
 #include <string>
 
 #include "DIAG/messages.h"
+#include "UTIL/process_end.h"
 #include "UTIL/strcase.h"
 #include "options/option_engine.h"
 
@@ -41,7 +42,7 @@ constexpr uint64_t unsigned_unbounded = 0xffffffffffffffffULL;
 }  // namespace
 
 void option_engine::end_run() {
-  std::exit(1);
+  end_process(1);
 }
 
 static void report_missing(const option_engine& options, int id, const char* name) {

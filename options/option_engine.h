@@ -246,6 +246,8 @@ class option_engine {
 
  private:
   const option_table* table_;
+  // The number of history entries of each option.
+  std::vector<uint32_t> history_count_;
 
   bool valid(int id) const { return id >= 0 && static_cast<unsigned>(id) < table_->n; }
   const option_row& row(int id) const { return table_->option_definitions[id]; }
@@ -258,6 +260,7 @@ class option_engine {
   std::string value_text(int id, unsigned index) const;
   void trace(const char* format, ...) const __attribute__((format(printf, 2, 3)));
   void trace_arg(int id) const;
+  void note_in_history(int id, hist_argument arg);
 
   // merging internals
   void apply_from(const option_engine& other, int id, int index);

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <string>
 
+#include "UTIL/process_end.h"
 #include "UTIL/strcase.h"
 #include "UTIL/text_queue.h"
 #include "UTIL/version.h"
@@ -128,5 +129,5 @@ int option_engine::display_option_help(const char* topic, int keep_going) const 
   }
   if (keep_going) return matched;
   if (!matched) std::printf(">> Help: No options match the string '%s'\n", topic);
-  std::exit(0);
+  end_process(0);
 }

@@ -3,9 +3,11 @@
 #include <cctype>
 #include <cstdlib>
 #include <cstring>
+#include <limits>
 #include <string>
 
 #include "DIAG/messages.h"
+#include "UTIL/process_end.h"
 #include "UTIL/strcase.h"
 #include "options/option_engine.h"
 
@@ -185,7 +187,10 @@ void option_engine::apply_also_sets(int id) {
       if (!word || strcaseicmp(word, also.when) != 0) continue;
     }
     if (also.increment) {
-      apply(also.target, std::to_string(getnumarg(also.target, 0) + 1).c_str());
+      // A count at its largest stays there.
+      const long count = getnumarg(also.target, 0);
+      const long next = count == std::numeric_limits<long>::max() ? count : count + 1;
+      apply(also.target, std::to_string(next).c_str());
     } else if (also.by_number) {
       long number = getnumarg(id, 0);
       const char* word = also.by_number;
@@ -212,7 +217,7 @@ void option_engine::run_help(const scan_row& spelling, const char* rest) {
   display_option_help(topic, 0);
   void (*print_usage)(const char*) =
       table_->family->print_usage ? *table_->family->print_usage : nullptr;
-  if (!print_usage) std::exit(0);
+  if (!print_usage) end_process(0);
   print_usage(*table_->family->executable_name);
-  std::exit(1);
+  end_process(1);
 }

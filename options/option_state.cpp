@@ -17,7 +17,8 @@ option_engine::option_engine(const option_table& table)
       option_seen(table.n, 0),
       option_parsed(table.n, 0),
       option_args(table.n),
-      table_(&table) {}
+      table_(&table),
+      history_count_(table.n, 0) {}
 
 // The copy takes the settings and a deep copy of the arguments; history,
 // command line and error count start afresh.
@@ -31,7 +32,8 @@ option_engine::option_engine(const option_engine& other)
       current_option(other.current_option),
       source_name(other.source_name),
       merging(other.merging),
-      table_(other.table_) {}
+      table_(other.table_),
+      history_count_(other.table_->n, 0) {}
 
 // Assignment keeps the target's history, command line and error count.
 option_engine& option_engine::operator=(const option_engine& other) {
@@ -46,6 +48,7 @@ option_engine& option_engine::operator=(const option_engine& other) {
   option_state = other.option_state;
   option_seen = other.option_seen;
   option_args = other.option_args;
+  history_count_.resize(table_->n, 0);
   return *this;
 }
 
@@ -380,8 +383,23 @@ void option_engine::clearclassmembers(int cls) {
 
 // ------------------------------------------------------------------ history
 
+// Only the part of the history from the option's earliest entry on is
+// searched and moved, so a single-valued option set again and again costs
+// what was noted since it was last set, however long the history.
 void option_engine::clear_history(int id) {
-  std::erase_if(history, [id](const auto& entry) { return entry.first == id; });
+  if (!valid(id) || history_count_[id] == 0) return;
+  auto first = history.end();
+  for (unsigned found = 0; found < history_count_[id];)
+    if ((--first)->first == id) ++found;
+  history.erase(
+      std::remove_if(first, history.end(), [id](const auto& entry) { return entry.first == id; }),
+      history.end());
+  history_count_[id] = 0;
+}
+
+void option_engine::note_in_history(int id, hist_argument arg) {
+  history.emplace_back(id, std::move(arg));
+  if (valid(id)) ++history_count_[id];
 }
 
 void option_engine::add_to_history(int id) {
@@ -396,7 +414,7 @@ void option_engine::add_to_history(int id) {
   hist_argument arg{getnumarg(id, last), text ? text : ""};
   trace("Add option id %s to history with arg %s\n", rot13(table_->enum_to_enumtxt[id]),
         arg.text.c_str());
-  history.emplace_back(id, std::move(arg));
+  note_in_history(id, std::move(arg));
 }
 
 void option_engine::record_input_command_line(int argc, char** argv) {
@@ -470,5 +488,5 @@ void option_engine::addfileopt(const std::string& file, const std::string& tool)
   else
     id = by_tool->second;
   trace("Add file '%s' to %s's history\n", file.c_str(), tool.c_str());
-  history.emplace_back(id, hist_argument{-1, file});
+  note_in_history(id, hist_argument{-1, file});
 }

@@ -5,6 +5,7 @@
 #include <cstdlib>
 
 #include "DIAG/diag.h"
+#include "UTIL/process_end.h"
 #include "UTIL/version.h"
 
 namespace {
@@ -33,7 +34,7 @@ void action_open_cmd_file(option_engine& options, int id, const char*) {
 
 void action_toolversion(option_engine&, int, const char*) {
   print_toolversion(stdout);
-  std::exit(0);
+  end_process(0);
 }
 
 }  // namespace

@@ -18,6 +18,10 @@ have_file /usr/include/mimalloc.h                    || missing+=(libmimalloc-de
 have_cmd xmllint  || missing+=(libxml2-utils)  # validates the documents against their schemas
 have_cmd chromium || missing+=(chromium)       # the report's HTML page is checked in a browser
 have_cmd dpkg-shlibdeps || missing+=(dpkg-dev)  # cpack -G DEB
+have_file /usr/include/libxml2/libxml/parser.h       || missing+=(libxml2-dev)
+# clang and its libFuzzer runtime, for scripts/fuzz.sh
+have_cmd clang++ || missing+=(clang)
+dpkg -s libclang-rt-14-dev >/dev/null 2>&1 || missing+=(libclang-rt-14-dev)
 
 if [ ${#missing[@]} -eq 0 ]; then
     exit 0

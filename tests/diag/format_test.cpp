@@ -1,6 +1,7 @@
 // Line wrapping of printed messages and of text formatted for documents, and
 // the quoted source line under a message.
 #include <cstdlib>
+#include <memory>
 #include <string>
 #include <utility>
 
@@ -11,6 +12,7 @@
 namespace {
 
 using FormatTest = DiagTest;
+using sp_text = std::unique_ptr<char, decltype(&std::free)>;
 
 // The message "error: <text>" of a row whose whole text is one placeholder.
 std::string reported(const std::string& text) {
@@ -41,8 +43,9 @@ TEST_F(FormatTest, IndentAppliesToEveryLineOfAMessage) {
 
 TEST_F(FormatTest, SpPrintLineWidthsAreExactly66And69) {
   auto sp = [](const std::string& text) {
-    return std::string(
-        DIAG::optgen_depdiag_error(__FILE__, __LINE__, text.c_str()).get_sp_buffer());
+    const sp_text formatted(
+        DIAG::optgen_depdiag_error(__FILE__, __LINE__, text.c_str()).get_sp_buffer(), &std::free);
+    return std::string(formatted.get());
   };
   const std::string a60 = std::string(60, 'a') + " ", x66 = std::string(66, 'x') + " ";
   const std::string next = "\n" + std::string(10, ' ');

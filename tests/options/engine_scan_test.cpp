@@ -2,6 +2,7 @@
 // rules, ranges and their messages.
 #include <unistd.h>
 
+#include <limits>
 #include <tuple>
 #include <utility>
 #include <vector>
@@ -96,6 +97,9 @@ TEST_F(Scan, WhatAnOptionDoesBeyondBeingStored) {
   EXPECT_EQ(opts.getnumarg(T::NUMBER, 0), 3);
   run("-tallyvx");
   EXPECT_EQ(opts.getnumarg(T::NUMBER, 0), 5);
+  run("-number=9223372036854775807");
+  run("-tally");  // a count at its largest stays there
+  EXPECT_EQ(opts.getnumarg(T::NUMBER, 0), std::numeric_limits<long>::max());
   // Named handlers, then deprecation notices by their severity.
   run("-align=8");
   run("-enum=Int");

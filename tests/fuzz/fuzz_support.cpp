@@ -1,0 +1,46 @@
+#include "tests/fuzz/fuzz_support.h"
+
+#include <unistd.h>
+#include <cstdio>
+#include <fstream>
+#include <sstream>
+
+#include "ADVICE_PERF/driver.h"
+#include "DIAG/diag.h"
+#include "UTIL/process_end.h"
+#include "options/optobj.h"
+#include "options/optobj_shell.h"
+
+namespace {
+[[noreturn]] void throw_ending(int status) {
+  throw run_ended{status};
+}
+}  // namespace
+
+void begin_input() {
+  set_process_ending(throw_ending);
+  DIAGNOSTIC::error_count_m = 0;
+}
+
+void make_option_objects() {
+  if (cmdline_options) return;
+  cmdline_options = new option_obj(true);
+  global_options = new option_obj_shell(true);
+}
+
+const char* input_file(const uint8_t* data, size_t size) {
+  // Removed when the process ends.
+  static const struct scratch_file {
+    std::string path = "/tmp/advzorv-fuzz-" + std::to_string(getpid()) + ".xml";
+    ~scratch_file() { std::remove(path.c_str()); }
+  } file;
+  std::ofstream(file.path, std::ios::binary | std::ios::trunc)
+      .write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
+  return file.path.c_str();
+}
+
+std::string file_text(const char* path) {
+  std::ostringstream text;
+  text << std::ifstream(path, std::ios::binary).rdbuf();
+  return text.str();
+}

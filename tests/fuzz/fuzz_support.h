@@ -1,0 +1,31 @@
+#pragma once
+// What the harnesses share: the libFuzzer entry point, an ending of the
+// process that throws instead of exiting, and the input as a file.
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size);
+
+// Thrown where the tool would end the process; a normal outcome for an input.
+struct run_ended {
+  int status;
+};
+
+// Installs the throwing ending and resets the diagnostics' error count; call
+// at the start of each input.
+void begin_input();
+
+// Sets the driver's option objects, empty, as a run without options would
+// have them; once per process.
+void make_option_objects();
+
+// A path where no file is.
+inline const char* no_file = "/nonexistent/advzorv-fuzz";
+
+// Writes the input to this process's scratch file and returns its path (valid
+// until the process ends; the next call overwrites the file).
+const char* input_file(const uint8_t* data, size_t size);
+
+// The whole text of a file; empty when it can't be read.
+std::string file_text(const char* path);
