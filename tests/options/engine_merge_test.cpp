@@ -98,15 +98,6 @@ TEST_F(Merge, EachPolicyCombinesTheFurtherFileIntoTheReceiver) {
   }
 }
 
-TEST_F(Merge, AGroupMemberReplacedIsAppliedOnceAndTheSameMemberRunsThePolicy) {
-  run("-verbose");
-  give("-quiet_a");
-  opts.merge_options(other);
-  EXPECT_EQ(opts.option_state[T::QUIET_A], 1);
-  opts.merge_options(other);  // the same member: its policy (or) runs
-  EXPECT_EQ(opts.option_state[T::QUIET_A], 2);
-}
-
 TEST_F(Merge, DifferencesAreReportedAndTheMergeGoesOn) {
   diag_capture capture;
   run("-alpha_beta=x");

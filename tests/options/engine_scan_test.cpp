@@ -1,8 +1,10 @@
-// The scanner's rules against the synthetic table.
+// The scanner's rules against the synthetic table, and its arguments: radix
+// rules, ranges and their messages.
 #include <unistd.h>
 
-#include <cstring>
+#include <limits>
 #include <tuple>
+#include <utility>
 #include <vector>
 
 #include "options/optobj.h"
@@ -11,19 +13,9 @@
 namespace {
 
 using T = option_obj_test;
+using ::testing::ExitedWithCode;
 
 using Scan = test_table_fixture;
-
-TEST_F(Scan, EmptyTextIsAcceptedAndChangesNothing) {
-  EXPECT_EQ(run(""), 1);
-  EXPECT_EQ(run(nullptr), 1);
-  for (int id = 0; id < T::OPTION_COUNT; ++id) {
-    if (id != T::KEEP) {
-      EXPECT_EQ(opts.option_state[id], 0);
-    }
-  }
-  EXPECT_EQ(opts.history.size(), 1u);  // only the constructor's default
-}
 
 // One token on a fresh object: whether it is accepted, then per option its
 // state and its first argument ("" for none; nullptr leaves it unchecked).
@@ -88,41 +80,6 @@ TEST_F(Scan, FailurePositionPointsWhereTheWalkStopped) {
   EXPECT_EQ(pos, letter + 1);
 }
 
-TEST_F(Scan, ArgumentInTheNextTokenAndTheSameOptionTwice) {
-  script_tokens({"-looks-like-option"});
-  EXPECT_EQ(run("-alpha_beta"), 1);
-  EXPECT_STREQ(opts.getstrarg(T::ALPHA_BETA, 0), "-looks-like-option");
-  run("-alpha_beta=b");
-  EXPECT_EQ(opts.option_state[T::ALPHA_BETA], 2);
-  EXPECT_EQ(opts.option_parsed[T::ALPHA_BETA], 2u);
-  EXPECT_STREQ(opts.getstrarg(T::ALPHA_BETA, 0), "b");
-  int entries = 0;
-  for (const auto& [id, arg] : opts.history)
-    entries += id == T::ALPHA_BETA && arg.text == "b";
-  EXPECT_EQ(entries, 1);
-  run("nfirst");
-  run("n=second");
-  EXPECT_EQ(opts.getargcount(T::NAMES), 2);
-  EXPECT_EQ(opts.option_form[T::NAMES], 1);
-}
-
-TEST_F(Scan, CaseFoldingWarnsUnlessTheSpellingIsQuiet) {
-  diag_capture capture;
-  EXPECT_EQ(run("-ALPHA"), 1);
-  EXPECT_EQ(run("-Rate=1"), 1);
-  EXPECT_EQ(run("V"), 1);
-  std::string text = capture.text();
-  EXPECT_NE(text.find("Case insensitivity of options has been deprecated; -ALPHA must be "
-                      "written as -alpha in future releases"),
-            std::string::npos);
-  EXPECT_NE(text.find("V must be written as v"), std::string::npos);
-  EXPECT_EQ(run("-VERBOSE=1"), 0);  // no match, so no warning either
-  EXPECT_EQ(capture.text().find("VERBOSE"), std::string::npos);
-  EXPECT_EQ(text.find("Rate"), std::string::npos);
-  EXPECT_EQ(opts.option_state[T::ALPHA], 1);
-  EXPECT_EQ(opts.error_count, 0);  // a warning counts nothing
-}
-
 TEST_F(Scan, WhatAnOptionDoesBeyondBeingStored) {
   DIAGNOSTIC::remarks_m = true;
   diag_capture capture;
@@ -148,6 +105,9 @@ TEST_F(Scan, WhatAnOptionDoesBeyondBeingStored) {
   run("-enum=Int");
   EXPECT_STREQ(opts.getstrarg(T::ENUM, 0), "unpacked");
   EXPECT_EQ(opts.error_count, 0);
+  EXPECT_EQ(capture_output(stderr, [this] { run("-color=Crimson"); }),
+            "WARNING: argument 'crimson' to option '--color' is deprecated and will be removed "
+            "in a future release\n");
   run("-align=6");
   run("-old_remark");
   run("-old_warning");
@@ -175,6 +135,59 @@ TEST_F(Scan, HelpEndsTheRunWithOneWhenTheUsageHookReturns) {
         tool.process_option("-help", nullptr);
       },
       ::testing::ExitedWithCode(1), "Usage: <toolname>");
+}
+
+using Args = test_table_fixture;
+
+TEST(Radix, SuffixesAndPrefixesPickTheRadix) {
+  struct {
+    const char* text;
+    long value;
+    int bad;
+  } cases[] = {
+      {"1Fh", 31, 0},  {"FFH", 255, 0}, {"17q", 15, 0},  {"017", 15, 0},
+      {"0x1F", 31, 0}, {"0q", 0, 0},    {"42", 42, 0},   {"19q", 19, 1},
+      {"-1Fh", -1, 1}, {"", 0, 1},      {"12ab", 12, 1},
+  };
+  for (const auto& c : cases) {
+    int bad = 0;
+    EXPECT_EQ(option_engine::strtol_by_radix(c.text, &bad), c.value) << c.text;
+    EXPECT_EQ(bad, c.bad) << c.text;
+  }
+  char text[] = "7Fh";
+  EXPECT_EQ(option_engine::get_radix(text), 16);
+  EXPECT_STREQ(text, "7F");  // the suffix is cut in place
+  char octal_looking[] = "19q";
+  EXPECT_EQ(option_engine::get_radix(octal_looking), 10);
+  EXPECT_STREQ(octal_looking, "19q");
+}
+
+// An unsigned option without a range of its own is handed the signed bounds,
+// so it is not "unbounded" for its type: values above them are refused, and
+// the message names both bounds, cut to 32 bits.
+TEST_F(Args, RefusedArgumentsEndTheRunWithAMessageNamingOptionAndArgument) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"-number=-5",
+       "argument to option --number \\(count\\) is out of range \\(must be a "
+       "non-negative_number\\)"},
+      {"-number=99999999999999999999", "argument to option --number \\(count\\) is out of range\n"},
+      {"-number=19q", "out of range\n"},
+      {"-level=9",
+       "argument to option --level \\(1-8\\) is out of range \\(must be a number from 1 to 8"},
+      {"r=9", "option -r \\(0-5\\).*from 0 to 5"},
+      {"-hex=0x8000000000000000",
+       "argument to option --hex \\(address\\) is out of range \\(must be a number from 0 to "
+       "4294967295\n"},
+      {"-hex=-1", "must be a number from 0 to 4294967295"},
+      {"-alpha_beta=", "option --alpha_beta is missing its parameter 'word'"},
+      {"-alpha_beta", "missing its parameter"},  // the stream ended
+      {"-number", "option --number is missing its parameter"},
+      {"-rate=", "option --rate is missing its parameter '0-5'"},
+      {"-mode=", "option --mode is missing its parameter 'mode'"},
+      {"-color=gre", "bad argument to option --color: should be one of \\{red,green\\}"},
+  };
+  for (const auto& [token, message] : cases)
+    EXPECT_EXIT(run(token), ExitedWithCode(1), message) << token;
 }
 
 }  // namespace

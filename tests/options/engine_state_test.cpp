@@ -18,18 +18,8 @@ class State : public test_table_fixture {
   }
 };
 
-TEST_F(State, ListOptionKeepsAnEntryPerSetting) {
-  run("-names=a");
-  const char* first = opts.getstrarg(T::NAMES, 0);
-  for (const char* more : {"n=b", "n=c", "n=d", "n=e", "n=f"})
-    run(more);
-  EXPECT_EQ(opts.getargcount(T::NAMES), 6);
-  EXPECT_EQ(history_entries(T::NAMES), 6);
-  EXPECT_EQ(opts.history.back().second.text, "f");
-  EXPECT_STREQ(first, "a");  // a borrowed text outlives later additions
-}
-
-TEST_F(State, SetargOnAnUnseenOptionSetsItFirst) {
+// setarg on an unseen option sets it first.
+TEST_F(State, StoredValues) {
   opts.setarg(T::NUMBER, 12L);
   EXPECT_EQ(opts.option_state[T::NUMBER], 1);
   ASSERT_EQ(history_entries(T::NUMBER), 1);
@@ -37,9 +27,7 @@ TEST_F(State, SetargOnAnUnseenOptionSetsItFirst) {
   EXPECT_EQ(opts.getnumarg(T::NUMBER, 0), 12);
   opts.setarg(T::ALPHA_BETA, nullptr);  // a null text does nothing
   EXPECT_EQ(opts.option_state[T::ALPHA_BETA], 0);
-}
-
-TEST_F(State, TextArgumentsConvertToNumbersByRadix) {
+  // Text arguments convert to numbers by radix.
   opts.setopt(T::ALPHA_BETA, "0x10");
   EXPECT_EQ(opts.getnumarg(T::ALPHA_BETA, 0), 16);
   opts.setopt(T::COLOR, "green");
@@ -47,29 +35,7 @@ TEST_F(State, TextArgumentsConvertToNumbersByRadix) {
   opts.setarg(T::COLOR, 99L);  // no item has it: printed as the number
   EXPECT_STREQ(opts.getstrarg(T::COLOR, 0), "99");
   EXPECT_EQ(opts.getstrarg(T::COLOR, 1), nullptr);
-}
-
-TEST_F(State, ClearoptResetsAllButSeenFormAndParsed) {
-  run("n=x");
-  opts.clearopt(T::NAMES);
-  EXPECT_EQ(opts.option_state[T::NAMES], 0);
-  EXPECT_EQ(opts.option_seen[T::NAMES], 2u);
-  EXPECT_EQ(opts.option_parsed[T::NAMES], 1u);
-  EXPECT_EQ(opts.option_form[T::NAMES], 1);
-  EXPECT_EQ(opts.getstrarg(T::NAMES, 0), nullptr);
-  EXPECT_EQ(opts.getargcount(T::NAMES), 0);
-  EXPECT_EQ(history_entries(T::NAMES), 0);
-}
-
-TEST_F(State, PersistentOptionSurvivesClearing) {
-  opts.clearopt(T::KEEP);
-  opts.clearclassmembers(3);
-  EXPECT_EQ(opts.option_state[T::KEEP], 1);
-  EXPECT_STREQ(opts.getstrarg(T::KEEP, 0), "high");
-  EXPECT_EQ(history_entries(T::KEEP), 1);
-}
-
-TEST_F(State, GetArgumentDescribesTheStoredValues) {
+  // get_argument describes the stored values.
   run("n=one");
   run("n=two");
   run("-hex=10h");
@@ -116,22 +82,6 @@ TEST_F(State, QuietConflictClearsWithoutAWordUnlessDebugging) {
             std::string::npos);
 }
 
-TEST_F(State, OverrideWarnsAndTheLaterOptionWinsInEitherOrder) {
-  diag_capture capture;
-  run("g");
-  run("-over_a");
-  EXPECT_EQ(opts.option_state[T::OVER_B], 0);
-  EXPECT_EQ(history_entries(T::OVER_B), 0);
-  run("ga");  // the same option again: no conflict with itself
-  run("-over_b");
-  EXPECT_EQ(opts.option_state[T::OVER_A], 0);
-  EXPECT_EQ(opts.option_state[T::OVER_B], 1);
-  std::string text = capture.text();
-  EXPECT_NE(text.find("option --over_a overrides preceding option -g\n"), std::string::npos);
-  EXPECT_NE(text.find("option --over_b overrides preceding option -ga"), std::string::npos);
-  EXPECT_EQ(opts.error_count, 0);
-}
-
 TEST_F(State, HardConflictEndsTheRunAtTheSecondOption) {
   run("-hard_a");
   EXPECT_EXIT(run("-hard_b"), ExitedWithCode(1),
@@ -141,7 +91,8 @@ TEST_F(State, HardConflictEndsTheRunAtTheSecondOption) {
   EXPECT_EQ(opts.option_state[T::HARD_A], 1);
 }
 
-TEST_F(State, CopyIsDeepAndStartsWithoutHistory) {
+// A copy is deep and starts without history.
+TEST_F(State, CopiesAreDeep) {
   run("n=one");
   run("-color=red");
   opts.error_count = 3;
@@ -154,9 +105,7 @@ TEST_F(State, CopyIsDeepAndStartsWithoutHistory) {
   EXPECT_TRUE(copy.history.empty());
   EXPECT_EQ(copy.error_count, 0);
   EXPECT_EQ(copy.option_parsed[T::NAMES], 1u);
-}
-
-TEST_F(State, AssignmentKeepsTheTargetsHistoryAndCount) {
+  // Assignment keeps the target's history and count.
   T target;
   target.process_option("-alpha", nullptr);
   target.error_count = 2;

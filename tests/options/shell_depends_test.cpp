@@ -103,29 +103,6 @@ TEST_F(ShellDepends, DerivedSettingsAndWarningRules) {
   }
 }
 
-TEST_F(ShellDepends, ErrorsOfScanAndRulesAllReportBeforeOneExit) {
-  auto scan_then_pass = [this] {
-    for (const char* token :
-         {"-float_support=zfpa64", "-abi=coffabi", "-idiv_support", "-zcop_background_task=on",
-          "os", "-pch", "-gen_profile_info", "-analyze=codecov", "-ztrg_support=ztrg1"})
-      run(token);
-    if (opts.error_count == 1) opts.post_process_option_depends();
-  };
-  EXPECT_EXIT(scan_then_pass(), ExitedWithCode(1),
-              AllOf(HasSubstr("error: Precompiled header files are no longer supported.\n"),
-                    HasSubstr("error: Option --zcop_background_task=on is not valid without "
-                              "--zcop_support=zcop2\n"),
-                    HasSubstr("error: Option --float_support=zfpa64 is not valid without "
-                              "--abi=eabi\n"),
-                    HasSubstr("error: Option --idiv_support=idiv0 is not valid without "
-                              "--abi=eabi\n"),
-                    Not(HasSubstr("--float_support=zfpa32 or")),
-                    HasSubstr("Option -os is not valid with -Ooff (ignored)"),
-                    HasSubstr("error: Option --analyze is not valid with --gen_profile_info\n"),
-                    HasSubstr("error: Option --ztrg_support=ztrg1 is not valid with "
-                              "--abi=coffabi\n")));
-}
-
 TEST_F(ShellDepends, SmallDataModelStopsBeforeTheRules) {
   run("-mem_model:data=small");
   run("-optimizer_comments");

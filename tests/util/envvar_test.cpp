@@ -28,21 +28,6 @@ std::string take(char* text) {
   return copy;
 }
 
-TEST_F(EnvVar, PrefixedVariableWinsAndItsNameIsReported) {
-  char marker[] = "untouched";
-  char* used = marker;
-  EXPECT_EQ(tool_getenv(plain, &used), nullptr);
-  EXPECT_EQ(used, marker);
-
-  setenv(plain, "plain value", 1);
-  setenv(prefixed, "", 1);  // existence counts, not content
-  EXPECT_EQ(take(tool_getenv(plain, &used)), "");
-  EXPECT_EQ(take(used), prefixed);
-  unsetenv(prefixed);
-  EXPECT_EQ(take(tool_getenv(plain, &used)), "plain value");
-  EXPECT_EQ(take(used), plain);
-}
-
 TEST_F(EnvVar, ExtractPathsTrimsAndSkipsEmptyEntries) {
   std::vector<std::string> seen;
   auto collect = [&](const char* path) { seen.emplace_back(path); };

@@ -32,16 +32,6 @@ int run(const std::string& command, std::vector<std::string> texts, const char* 
                      echo_level, report, times);
 }
 
-// The quoted forms of texts and the result of quote_arguments.
-std::pair<std::vector<std::string>, int> quoted(std::vector<std::string> texts, bool quote) {
-  std::vector<char*> args = pointers(texts), out(texts.size());
-  const int result = quote_arguments(static_cast<int>(args.size()), args.data(), out.data(), quote);
-  std::vector<std::string> forms(out.begin(), out.end());
-  for (char* form : out)
-    free(form);
-  return {forms, result};
-}
-
 // Temporary command files land in a directory of the test's own; the settings
 // are back at their defaults after each test.
 class RunCommand : public testing::Test {
@@ -82,42 +72,16 @@ std::vector<std::string> line_of(bool longer) {
   return {"--" + std::string(510, 'y'), std::string(longer ? 511 : 510, 'z')};
 }
 
-TEST(QuoteArguments, QuotesBodiesThatNeedItAndKeepsDashesOutside) {
-  const auto [forms, result] = quoted({"--opt=1", "123", "12ab", "ab12", ".hidden", "dir/",
-                                       "a/b\\c", "say \"hi\"", "------x", "plain", "trail\\"},
-                                      true);
-  const std::vector<std::string> expected = {
-      "--\"opt=1\"", "123",      "\"12ab\"",     "ab12",
-      "\".hidden\"", "\"dir/\"", "\"a/b\\\\c\"", "\"say \\\"hi\\\"\"",
-      "-----\"-x\"", "plain",    "\"trail\\\\\""};
-  EXPECT_EQ(forms, expected);
-  EXPECT_EQ(result, 1);
-
-  EXPECT_EQ(quoted({"plain", "-x", "123"}, true).second, 0);
-  EXPECT_EQ(quoted({"a\"b"}, true).second, 1);  // escaped, though not quoted
-  // Without quoting nothing changes and only the length counts.
-  EXPECT_EQ(quoted({"--opt=1", "a b"}, false),
-            (std::pair<std::vector<std::string>, int>{{"--opt=1", "a b"}, 0}));
-}
-
-TEST_F(RunCommand, ExitStatusIsTheResultAndIsReportedOnRequest) {
-  EXPECT_EQ(run("/bin/true", {}, nullptr, 0, true), 0);
-  std::string out = capture_output(stdout, [] { EXPECT_EQ(run("/bin/sh", {"-c", "exit 3"}), 3); });
-  EXPECT_EQ(out, "");
-  out = capture_output(stdout, [] {
-    EXPECT_EQ(run("/bin/sh", {"-c", "exit 3"}, nullptr, 0, true), 3);
-  });
-  EXPECT_EQ(out, "\n>> Compilation failure\n");
-
-  // A program that can't be started makes the child exit with 1; the report tells why.
+// The child's exit status is the result; a child killed by a signal kills the caller too.
+TEST_F(RunCommand, TheChildsEndIsTheResult) {
+  EXPECT_EQ(capture_output(stdout,
+                           [] {
+                             EXPECT_EQ(run("/bin/sh", {"-c", "exit 3"}, nullptr, 0, true), 3);
+                           }),
+            "\n>> Compilation failure\n");
   const std::string missing = tmp.file("no-such-program");
-  std::string err = capture_output(stderr, [&] { EXPECT_EQ(run(missing, {"x"}), 1); });
-  EXPECT_EQ(err, "");
-  err = capture_output(stderr, [&] {
-    out = capture_output(stdout, [&] { EXPECT_EQ(run(missing, {"x"}, nullptr, 0, true), 1); });
-  });
-  EXPECT_EQ(err, "exec() error spawning " + missing + ": No such file or directory\n");
-  EXPECT_EQ(out, "\n>> Compilation failure\n");
+  EXPECT_EQ(capture_output(stderr, [&] { EXPECT_EQ(run(missing, {}, nullptr, 0, true), 1); }),
+            "exec() error spawning " + missing + ": No such file or directory\n");
   EXPECT_EXIT(run("/bin/sh", {"-c", "kill -TERM $$"}, nullptr, 0, true),
               testing::KilledBySignal(SIGTERM), "abnormal termination of /bin/sh");
 }

@@ -65,39 +65,34 @@ TEST(TextQueue, TwoColumns) {
                 std::string(31, 'i') + blanks(72 - 32) + "\n");
 }
 
-TEST(TextQueue, KeyWidths) {
-  // A longer key is cut, unless it gets a line of its own.
-  EXPECT_EQ(listing(3, sort_as_added, {{"--long", 0}, {"-a", 0}}),
-            "T\n  --l Text of --long\n  -a  Text of -a\n");
-  EXPECT_EQ(listing(3, sort_as_added, {{"--long", 0}, {"-a", 0}}, 1, long_key_on_own_line),
-            "T\n  --long\n" + blanks(6) + "Text of --long\n  -a  Text of -a\n");
-
-  // Width 0: the longest key ever queued (no other test queues one as long),
-  // remembered across listings.
-  const std::string long_key = "--" + std::string(68, 'k');
-  init_queue("T", 0, sort_as_added);
-  queueup(long_key.c_str(), "x", 0);
-  EXPECT_EQ(capture_output(stdout, [] { print_queue(1, sort_by_key, 0); }),
-            "T\n  " + long_key + " X\n");
-  init_queue("T", 0, sort_as_added);
-  queueup("-b", "y", 0);
-  EXPECT_EQ(capture_output(stdout, [] { print_queue(1, sort_by_key, 0); }),
-            "T\n  -b" + blanks(68) + " Y\n");
+std::string filled(const std::string& text, const std::string& padding) {
+  return write_to_string([&](FILE* out) { fill_text(out, text.c_str(), padding.c_str()); });
 }
 
-TEST(TextQueue, ExtraIndentWidensContinuationLines) {
-  // Padding of 4 + 6 + 3 leaves 66 columns, then continuation lines are indented by 14.
-  const std::string key = "-k" + std::string(60, 'k');
-  const std::string printed = listing(4, sort_as_added, {{key.c_str(), 0}}, 1, sort_by_key, 6);
-  EXPECT_EQ(printed, "T\n  -kkk Text of\n" + blanks(14) + key + "\n");
+// count copies of "abcdef" joined by blanks: blanks stand at 6, 13, 20, ...
+std::string words(int count) {
+  std::string text = "abcdef";
+  for (int i = 1; i < count; ++i)
+    text += " abcdef";
+  return text;
 }
 
-TEST(TextQueue, EmptyQueuePrintsNothingAndKeepsItsTitle) {
-  init_queue("Kept", 2, sort_as_added);
-  EXPECT_EQ(capture_output(stdout, [] { EXPECT_EQ(print_queue(1, sort_by_key, 0), 0); }), "");
-  queueup("-a", "x", 0);
-  EXPECT_EQ(capture_output(stdout, [] { print_queue(1, sort_by_key, 0); }), "Kept\n  -a X\n");
-  EXPECT_EQ(print_queue(1, sort_by_key, 0), 0);  // printing emptied it
+TEST(FillText, WrapsAtBlanksAndIndentsContinuations) {
+  EXPECT_EQ(filled("", "    "), "\n");
+  EXPECT_EQ(filled("Short help", "      "), "Short help\n");
+  // The first line may reach column 79, later ones 78 behind the previous break.
+  EXPECT_EQ(filled(words(25), ""), words(11) + "\n " + words(11) + "\n " + words(3) + "\n");
+  // A padding of 10 leaves 69 columns, with a blank right at 69; indent 11.
+  const std::string indent(11, ' ');
+  EXPECT_EQ(filled(words(25), std::string(10, '.')),
+            words(10) + "\n" + indent + words(9) + "\n" + indent + words(6) + "\n");
+}
+
+TEST(FillText, WordLongerThanTheLineStaysWhole) {
+  const std::string huge(100, 'x');
+  EXPECT_EQ(filled("short " + huge + " tail", ""), "short\n " + huge + "\n tail\n");
+  EXPECT_EQ(filled(huge, "  "), huge + "\n");
+  EXPECT_EQ(filled("one two", std::string(100, ' ')), "one\n" + std::string(101, ' ') + "two\n");
 }
 
 }  // namespace

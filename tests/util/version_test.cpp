@@ -25,22 +25,6 @@ TEST(Version, ComposedTexts) {
     EXPECT_STREQ(text(), expected);
 }
 
-TEST(Version, PrintedLines) {
-  // The 45-character name is cut at 40; the version follows without a blank.
-  const std::string tool_line = write_to_string(print_tool_and_version);
-  EXPECT_EQ(tool_line, "ZORVEX Advice and Performance results utv25.11.0.LTS\n");
-  EXPECT_EQ(write_to_string(print_banner), tool_line + copyright_full() + "\n");
-  EXPECT_TRUE(std::regex_match(copyright_full(), std::regex("Copyright .*2025.*Orvane.*")));
-
-  const std::string line = write_to_string(print_toolversion);
-  EXPECT_TRUE(std::regex_match(
-      line, std::regex(tool_line + "Build Number 1ZL[0-9A-V][A-X]-"
-                                   "[0-9A-P%]{3}-[A-CQ-Z]{5}-[A-CQ-Z]{3}-[^\n]+\n")))
-      << line;
-  EXPECT_EQ(capture_output(stdout, [] { buildid(nullptr, nullptr); }),
-            line.substr(tool_line.size() + strlen("Build Number ")));
-}
-
 std::string buildid_line(const char* date, const char* time, const char* branch = "Main") {
   return write_to_string([&](FILE* out) { write_buildid(out, "L ", date, time, branch); });
 }

@@ -1,0 +1,271 @@
+// The documents' rules that no end-to-end case reaches: odd numbers, deep or
+// damaged files, the link's code size, the level series and refused events,
+// the series result going once the build uses it, and entries read back.
+#include "ADVICE_PERF/advice.h"
+#include "ADVICE_PERF/driver.h"
+#include "ADVICE_PERF/link_data.h"
+#include "ADVICE_PERF/perf_results.h"
+#include "ADVICE_PERF/xml_read.h"
+#include "DIAG/diag.h"
+#include "options/optobj.h"
+#include "options/optobj_shell.h"
+#include "tests/util/capture.h"
+#include "tests/util/temp_dir.h"
+
+#include <gtest/gtest.h>
+
+#include <boost/property_tree/xml_parser.hpp>
+
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace {
+
+using tokens = std::vector<std::string>;
+
+// The results an iostream set to hex | showbase gives, odd inputs included.
+TEST(Convert, ReadsAndWritesAsAHexStreamDoes) {
+  const struct {
+    const char* text;
+    int32_t as_int32;
+    uint64_t as_uint64;
+  } cases[] = {
+      {"0x10", 16, 0x10},
+      {"10", 16, 0x10},
+      {"0X1F", 31, 0x1f},
+      {"-1", -1, ~uint64_t{0}},
+      {"+7", 7, 7},
+      {"12g3", 18, 0x12},
+      {"zz", 0, 0},
+      {" 1", 0, 0},
+      {"0x", 0, 0},
+      {"+-1", 0, 0},
+      {"0x0x5", 0, 0},
+      {"80000000", INT32_MAX, 0x80000000},
+      {"-80000001", INT32_MIN, 0xffffffff7fffffff},
+      {"10000000000000000", INT32_MAX, ~uint64_t{0}},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(convert<int32_t>(std::string(c.text)), c.as_int32) << c.text;
+    EXPECT_EQ(convert<uint64_t>(std::string(c.text)), c.as_uint64) << c.text;
+  }
+  EXPECT_EQ(convert<std::string>(uint64_t{0}), "0");
+  EXPECT_EQ(convert<std::string>(int32_t{-2}), "0xfffffffe");
+}
+
+// Nesting up to the bound is read, deeper is not; the nesting is counted as
+// the parser nests, past what comments, sections and attribute values hold.
+// Endless devices and directories are empty at once.
+TEST(ReadXmlFile, NestingAndEndlessInputAreBounded) {
+  TempDir dir;
+  const std::string path = dir.file("nested.xml");
+  const auto nested = [](int depth) {
+    std::string xml;
+    for (int level = 0; level < depth; ++level)
+      xml += "<a x=\"/>\" y='>'><!-- <b> --><![CDATA[<c>]]><?p <d> ?><!x <e>><f/>text";
+    for (int level = 0; level < depth; ++level)
+      xml += "</a >";
+    return xml;
+  };
+  write_file(path, nested(max_xml_depth));
+  EXPECT_FALSE(read_xml_file(path.c_str()).empty());
+  write_file(path, nested(max_xml_depth + 1));
+  EXPECT_TRUE(read_xml_file(path.c_str()).empty());
+  write_file(path, "<a x=\"1\"");
+  EXPECT_TRUE(read_xml_file(path.c_str()).empty());
+  EXPECT_TRUE(read_xml_file("/dev/zero").empty());
+  EXPECT_TRUE(read_xml_file(dir.path().c_str()).empty());
+}
+
+// Runs of the tool's document steps over files in a temporary directory.
+class Documents : public ::testing::Test {
+ protected:
+  TempDir dir;
+  const std::string results_path = dir.file("perf.xml");
+  const std::string advice_path = dir.file("advice.xml");
+  const std::string link_path = dir.file("link.xml");
+  std::unique_ptr<option_obj> tool_options;
+  std::unique_ptr<option_obj_shell> shell_options;
+
+  void SetUp() override { DIAGNOSTIC::wrap_enabled_m = false; }
+  void TearDown() override {
+    cmdline_options = nullptr;
+    global_options = nullptr;
+  }
+
+  // One invocation with the tool's own options and the build's shell options.
+  void run(const tokens& tool, const tokens& shell = {}) {
+    tool_options = std::make_unique<option_obj>(true);
+    shell_options = std::make_unique<option_obj_shell>(true);
+    cmdline_options = tool_options.get();
+    global_options = shell_options.get();
+    for (const std::string& token : tool)
+      ASSERT_NE(cmdline_options->process_option(token.c_str() + 1, nullptr), 0) << token;
+    for (const std::string& token : shell)
+      ASSERT_NE(global_options->process_option(token.c_str() + 1, nullptr), 0) << token;
+    global_options->post_process_option_depends();
+    cmdline_options->post_process_option_depends();
+    const LINK_DATA link_data(link_path.c_str());
+    ADVICE advice(advice_path.c_str(), link_data);
+    PERF_RESULTS results(results_path.c_str(), link_data, &advice);
+    advice.update();
+    results.update();
+    results.output();
+    advice.output();
+  }
+
+  // The linker's file: a link now, its error count, groups as (size, name, component).
+  uint32_t link(int errors, const std::string& components, const std::string& groups) {
+    write_file(link_path, "<link_info><link_time>" + convert<std::string>(new_timestamp()) +
+                              "</link_time><link_errors>" + std::to_string(errors) +
+                              "</link_errors><object_component_list>" + components +
+                              "</object_component_list><logical_group_list>" + groups +
+                              "</logical_group_list></link_info>");
+    return LINK_DATA(link_path.c_str()).get_code_size();
+  }
+  int groups = 0;
+  std::string group(const char* size, const char* name, const char* ref) {
+    return "<logical_group id=\"g" + std::to_string(++groups) + "\"><size>" + size +
+           "</size><name>" + name + "</name><contents><object_component_ref idref=\"" + ref +
+           "\"/></contents></logical_group>";
+  }
+  void link_code(uint32_t size, int errors = 0) {
+    link(errors, "<object_component id=\"a\"/>",
+         group(convert<std::string>(size).c_str(), ".text", "a"));
+  }
+
+  // The bars in the results file as "option_value:value:color ...".
+  std::string bars() const {
+    ptree tree;
+    boost::property_tree::read_xml(results_path, tree);
+    std::string text;
+    for (const auto& [name, bar] : tree.get_child("body.chart"))
+      if (name == "bar")
+        text += bar.get<std::string>("<xmlattr>.option_value") + ":" +
+                bar.get<std::string>("<xmlattr>.value") + ":" +
+                bar.get<std::string>("<xmlattr>.color") + " ";
+    return text;
+  }
+  std::string chart(const std::string& attribute) const {
+    ptree tree;
+    boost::property_tree::read_xml(results_path, tree);
+    return tree.get<std::string>("body.chart.<xmlattr>." + attribute);
+  }
+};
+
+// Initialized non-debug groups count, each judged by its smallest component
+// id; sizes are signed and the sum wraps at 32 bits.
+TEST_F(Documents, CodeSizeOfTheLink) {
+  const std::string components =
+      "<object_component id=\"z\"/><object_component id=\"b\"><uninitialized>true</uninitialized>"
+      "</object_component><object_component id=\"c\"><uninitialized>0</uninitialized>"
+      "</object_component>";
+  EXPECT_EQ(link(0, components,
+                 group("0x100", ".text", "z") + group("100", ".data", "c") +
+                     group("0x1000", ".bss", "b") + group("0x1000", ".debug_info", "z") +
+                     group("0x8", ".debu", "c")),
+            0x208u);
+  EXPECT_EQ(link(0, components,
+                 "<logical_group id=\"g\"><size>0x40</size><name>.data</name><contents>"
+                 "<object_component_ref idref=\"z\"/><object_component_ref idref=\"b\"/>"
+                 "</contents></logical_group>"),
+            0u);
+  EXPECT_EQ(link(0, components,
+                 group("0x7fffffff", ".text", "z") + group("0x7fffffff", ".text", "z") +
+                     group("3", ".text", "z")),
+            1u);
+  EXPECT_EQ(link(0, components, group("0xffffffff", ".text", "z")), 0x7fffffffu);
+}
+
+TEST_F(Documents, ALevelSeriesDrawsCyanAndRedBarsAndAnIncompleteEventIsRefused) {
+  run({"--benchmark:event=start", "--benchmark:option=--opt_level"});
+  EXPECT_EQ(chart("title"), "Vary Optimization Level");
+  link_code(300);
+  run({"--benchmark:event=append", "--benchmark:option=--opt_level", "--benchmark:option_value=1"});
+  link_code(400, 3);
+  run({"--benchmark:event=end", "--benchmark:option=--opt_level", "--benchmark:option_value=off"});
+  EXPECT_EQ(bars(), "1:300:cyan off:400:red ");
+  EXPECT_EQ(capture_output(stderr, [&] { run({"--benchmark:event=start"}); }),
+            ">> Aborting - --benchmark:event=start requires --benchmark:option=option_to_vary\n");
+  EXPECT_EQ(chart("option"), "--opt_level");
+  EXPECT_EQ(bars(), "1:300:cyan off:400:red ");
+}
+
+// In a speed series the largest bar of a link without errors is the one green
+// bar; of two equal ones the later key; a key built again replaces its bar.
+TEST_F(Documents, TheLargestCleanBarIsTheOnlyGreenOne) {
+  const auto append = [&](const std::string& value, uint32_t size, int errors) {
+    link_code(size, errors);
+    run({"--benchmark:event=append", "--benchmark:option=--opt_for_speed",
+         "--benchmark:option_value=" + value});
+  };
+  append("1", 500, 0);
+  append("2", 800, 0);
+  append("3", 800, 0);
+  append("4", 5000, 1);
+  EXPECT_EQ(bars(), "1:500:yellow 2:800:yellow 3:800:green 4:5000:red ");
+  append("4", 700, 0);
+  EXPECT_EQ(bars(), "1:500:yellow 2:800:yellow 3:800:green 4:700:yellow ");
+}
+
+// A bar that can't be read ends the chart's reading there.
+TEST_F(Documents, ReadingBarsStopsAtTheFirstBadOne) {
+  write_file(results_path,
+             "<body><version>1</version><timestamp>0x1</timestamp><chart option=\"--opt_level\" "
+             "title=\"t\" valueLabel=\"v\"><bar option_value=\"7\" value=\"70\" color=\"cyan\"/>"
+             "<bar option_value=\"5\" value=\"abc\" color=\"cyan\"/>"
+             "<bar option_value=\"0\" value=\"10\" color=\"cyan\"/></chart></body>");
+  run({});
+  EXPECT_EQ(bars(), "7:70:cyan ");
+}
+
+// The level advice: its code and value follow the level, its note the debug information.
+TEST_F(Documents, TheLevelAdviceFollowsLevelAndDebugInformation) {
+  const std::string none = "27007 3 Detecting compilation without optimization. ",
+                    low = "27008 3 Detecting compilation with low optimization. ",
+                    three = "27009 4 Detecting compilation at optimization level 3. ";
+  const std::string debug = " NOTE: debug ability will decrease.";
+  const std::pair<tokens, std::string> cases[] = {
+      {{}, none + "Recommend setting --opt_level=3." + debug},
+      {{"-Ooff", "--symdebug:none"}, none + "Recommend setting --opt_level=3."},
+      {{"-O0"}, low + "Recommend setting --opt_level=3." + debug},
+      {{"-O2", "--symdebug:none"}, low + "Recommend setting --opt_level=3."},
+      {{"-O3"},
+       three + "Recommend setting --opt_level=4. NOTE: Compilation time will increase "
+               "and debug ability will decrease."},
+      {{"-O3", "--symdebug:none"},
+       three + "Recommend setting --opt_level=4. NOTE: Compilation time will increase."},
+  };
+  for (const auto& [shell, expected] : cases) {
+    std::filesystem::remove(advice_path);
+    run({}, shell);
+    std::string got;
+    const ADVICE advice(advice_path.c_str());
+    for (const auto& [code, entry] : advice.get_entries())
+      if (entry.advice_type == "opt_setting" && entry.option == "--opt_level" &&
+          entry.action == "gotoBuildOption:--opt_level")
+        got += code + " " + entry.value + " " + entry.msg.substr(entry.msg.find(": ") + 2);
+    EXPECT_EQ(got, expected) << expected;
+  }
+}
+
+TEST_F(Documents, TheSeriesResultGoesOnceTheBuildUsesItsValue) {
+  const LINK_DATA no_link(link_path.c_str());
+  ADVICE first(advice_path.c_str(), no_link);
+  first.add_advice("27011", "r", "build_results", "--opt_for_speed", "4", "");
+  first.output();
+  const ADVICE reread(advice_path.c_str(), no_link);
+  EXPECT_EQ(reread.get_entries(), first.get_entries());
+  EXPECT_EQ(reread.get_timestamp(), new_timestamp());
+  run({}, {"-O4", "--opt_for_speed=3"});
+  ADVICE kept(advice_path.c_str(), no_link);
+  EXPECT_EQ(kept.get_entries().count("27011"), 1u);
+  EXPECT_TRUE(kept.get_settings().empty());  // settings are never read back
+  EXPECT_FALSE(kept.get_link_advice_flag());
+  run({}, {"-O4", "--opt_for_speed=4"});
+  EXPECT_EQ(ADVICE(advice_path.c_str(), no_link).get_entries().count("27011"), 0u);
+}
+
+}  // namespace
