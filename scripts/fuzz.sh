@@ -38,8 +38,10 @@ fi
 # Inputs are kept small: deep nesting and endless words are bounded elsewhere.
 flags=(-max_len=4096 -timeout=10 -rss_limit_mb=2048 -close_fd_mask=3 -print_final_stats=1)
 cd "$build_dir/tests/fuzz"
+status=0
 # shellcheck disable=SC2086  # FUZZ_FLAGS holds several words
 nice "./fuzz_$target" "${flags[@]}" "${dict[@]}" ${FUZZ_FLAGS:-} -max_total_time="$seconds" \
-    "$work" "$corpus"
-# Only inputs that add coverage to the committed corpus go into it.
-nice "./fuzz_$target" "${flags[@]}" -merge=1 "$corpus" "$work"
+    "$work" "$corpus" || status=$?
+# Only inputs that reach new edges go into the committed corpus, the smallest first.
+nice "./fuzz_$target" "${flags[@]}" -use_counters=0 -merge=1 "$corpus" "$work"
+exit "$status"
