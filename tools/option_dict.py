@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Writes a libFuzzer dictionary of one option table on stdout: every spelling
 of its generated scan rows, as a command-file token, and every one-of word of
-its generated item lists.  Usage: option_dict.py GENERATED_DIR PREFIX"""
+its generated item lists.  Usage: option_dict.py GENERATED_DIR TABLE"""
 import re
 import sys
 
@@ -11,10 +11,10 @@ def quoted(path, pattern):
         return re.findall(pattern, source.read(), re.MULTILINE)
 
 
-def main(generated_dir, prefix):
-    base = f"{generated_dir}/options/{prefix}_"
-    words = ["-" + text for text in quoted(base + "scan.inc", r'^SCAN_ROW\("([^"]*)"')]
-    words += [text.lstrip("+") for text in quoted(base + "item_lists.inc", r'OO_ITEM\("([^"]*)"')]
+def main(generated_dir, table):
+    rows = f"{generated_dir}/options/{table}.inc"
+    words = ["-" + text for text in quoted(rows, r'^SCAN_ROW\("([^"]*)"')]
+    words += [text.lstrip("+") for text in quoted(rows, r'OO_ITEM\("([^"]*)"')]
     for word in dict.fromkeys(words):
         escaped = word.replace("\\", "\\\\").replace('"', '\\"')
         print(f'"{escaped}"')
