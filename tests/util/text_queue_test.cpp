@@ -52,15 +52,8 @@ TEST(TextQueue, SortOrdersAndColumns) {
   queueup("-b", fits.c_str(), 0);
   queueup("-c", "three", 0);
   EXPECT_EQ(capture_output(stdout, [] { print_queue(2, sort_by_key, 0); }),
-            "T\n"
-            "  -a   One" +
-                blanks(28) +
-                "  -c   Three\n"
-                "  -b   T" +
-                std::string(30, 'o') +
-                "\n"
-                "  -w   W" +
-                std::string(31, 'i') + blanks(72 - 32) + "\n");
+            "T\n  -a   One" + blanks(28) + "  -c   Three\n  -b   T" + std::string(30, 'o') +
+                "\n  -w   W" + std::string(31, 'i') + blanks(72 - 32) + "\n");
 }
 
 std::string filled(const std::string& text, const std::string& padding) {
