@@ -56,7 +56,7 @@ TEST_F(UserMsgTest, SourcePositionFormsPutThePositionFirst) {
             "\"in.txt\", line 4: advice #99927: a\n");
 }
 
-TEST_F(UserMsgDeathTest, WarningsAsErrorsCount) {
+TEST_F(UserMsgDeathTest, WarningsAsErrorsCountAndFatalExitsAndDieAborts) {
   DIAGNOSTIC::fp_m = nullptr;
   EXPECT_EXIT(
       {
@@ -65,10 +65,6 @@ TEST_F(UserMsgDeathTest, WarningsAsErrorsCount) {
         std::exit(umsg().get_error_count());
       },
       ::testing::ExitedWithCode(1), "^error: careful 7\n$");
-}
-
-TEST_F(UserMsgDeathTest, FatalExitsAndDieAbortsWithPrefixedText) {
-  DIAGNOSTIC::fp_m = nullptr;
   EXPECT_EXIT(umsg().fatal("cannot go on"), ::testing::ExitedWithCode(1),
               "^fatal error: cannot go on\n$");
   EXPECT_EXIT(umsg().die("x", "y"), ::testing::KilledBySignal(SIGABRT),

@@ -1,20 +1,15 @@
 // The advice document: read, updated by the rules of a run, written.
-#include <exception>
-
 #include "ADVICE_PERF/advice.h"
 #include "ADVICE_PERF/link_data.h"
 #include "tests/fuzz/fuzz_support.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  begin_input();
-  make_option_objects();
-  try {
+  read_input(data, size, [](const char* path) {
+    make_option_objects();
     const LINK_DATA link(no_file);
-    ADVICE advice(input_file(data, size), link);
+    ADVICE advice(path, link);
     advice.update();
     advice.output();
-  } catch (const std::exception&) {
-    // a document without the parts the reader requires
-  }
+  });
   return 0;
 }

@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 #include <cstdio>
+#include <exception>
 #include <fstream>
 #include <sstream>
 
@@ -37,6 +38,15 @@ const char* input_file(const uint8_t* data, size_t size) {
   std::ofstream(file.path, std::ios::binary | std::ios::trunc)
       .write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
   return file.path.c_str();
+}
+
+void read_input(const uint8_t* data, size_t size,
+                const std::function<void(const char* path)>& read) {
+  begin_input();
+  try {
+    read(input_file(data, size));
+  } catch (const std::exception&) {
+  }
 }
 
 std::string file_text(const char* path) {

@@ -3,6 +3,7 @@
 // process that throws instead of exiting, and the input as a file.
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <string>
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size);
@@ -26,6 +27,11 @@ inline const char* no_file = "/nonexistent/advzorv-fuzz";
 // Writes the input to this process's scratch file and returns its path (valid
 // until the process ends; the next call overwrites the file).
 const char* input_file(const uint8_t* data, size_t size);
+
+// Starts the input, then hands read the path of its scratch file; a document
+// without the parts the reader requires (std::exception) is a normal outcome.
+void read_input(const uint8_t* data, size_t size,
+                const std::function<void(const char* path)>& read);
 
 // The whole text of a file; empty when it can't be read.
 std::string file_text(const char* path);

@@ -1,6 +1,7 @@
 // Naming, export, dumps and help over the synthetic table.
 #include <cstdlib>
 #include <cstring>
+#include <vector>
 
 #include "test_family.h"
 
@@ -15,6 +16,14 @@ class Export : public test_table_fixture {
     std::string result = text ? text : "(null)";
     std::free(text);
     return result;
+  }
+  // The ids of a list that ends with OPTION_COUNT, which is freed.
+  static std::vector<int> ids(int* list) {
+    std::vector<int> out;
+    for (int* id = list; *id != T::OPTION_COUNT; ++id)
+      out.push_back(*id);
+    std::free(list);
+    return out;
   }
 };
 
@@ -54,18 +63,10 @@ TEST_F(Export, ListsChooseBySeenAndSetAndClass) {
   run("-alpha");
   run("-alpha_beta=x");
   opts.clearopt(T::ALPHA_BETA);
-  int* seen = opts.export_option_list(export_seen_or_set);
-  EXPECT_EQ(seen[0], T::ALPHA);
-  EXPECT_EQ(seen[1], T::ALPHA_BETA);
-  EXPECT_EQ(seen[2], T::KEEP);
-  EXPECT_EQ(seen[3], T::OPTION_COUNT);
-  int* set_in_class = opts.export_option_class(export_set, 1);
-  EXPECT_EQ(set_in_class[0], T::ALPHA);
-  EXPECT_EQ(set_in_class[1], T::OPTION_COUNT);
-  int* out_of_range = opts.export_option_class(export_all, 9);
-  EXPECT_EQ(out_of_range[0], T::OPTION_COUNT);
-  for (int* list : {seen, set_in_class, out_of_range})
-    std::free(list);
+  EXPECT_EQ(ids(opts.export_option_list(export_seen_or_set)),
+            (std::vector<int>{T::ALPHA, T::ALPHA_BETA, T::KEEP}));
+  EXPECT_EQ(ids(opts.export_option_class(export_set, 1)), std::vector<int>{T::ALPHA});
+  EXPECT_TRUE(ids(opts.export_option_class(export_all, 9)).empty());  // no such class
   std::vector<optlist> pairs = opts.export_option_pairs(export_set, 0);
   ASSERT_EQ(pairs.size(), 2u);
   EXPECT_EQ(pairs[1].id, T::KEEP);

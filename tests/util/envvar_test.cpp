@@ -28,7 +28,7 @@ std::string take(char* text) {
   return copy;
 }
 
-TEST_F(EnvVar, ExtractPathsTrimsAndSkipsEmptyEntries) {
+TEST_F(EnvVar, PathsAreTrimmedAndWarnedAboutWhenBlankSeparatedAndNamingNoFile) {
   std::vector<std::string> seen;
   auto collect = [&](const char* path) { seen.emplace_back(path); };
   extract_paths(plain, collect);
@@ -39,9 +39,7 @@ TEST_F(EnvVar, ExtractPathsTrimsAndSkipsEmptyEntries) {
   setenv(plain, " ;; /a dir/x  ; \t/b  ;", 1);
   extract_paths(plain, collect);
   EXPECT_EQ(seen, (std::vector<std::string>{"/a dir/x", "/b"}));
-}
 
-TEST_F(EnvVar, WarnsOnlyOnBlankSeparatedPathsThatNameNoFile) {
   auto warning = [](const std::string& value) {
     setenv(prefixed, value.c_str(), 1);
     char* name = reinterpret_cast<char*>(1);

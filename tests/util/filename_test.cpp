@@ -69,9 +69,7 @@ TEST(FileNames, SplittingAndExtensionsFollowTheLastSlashAndDot) {
   EXPECT_EQ(fn_matches_ext("src/main.c", "c"), 1);
   EXPECT_EQ(fn_matches_ext("src/main.c", ".c"), 0);
   EXPECT_EQ(fn_matches_ext("makefile", ""), 1);
-}
 
-TEST(FileNames, BuildingAndPathPredicates) {
   char* built = fn_build(nullptr, "src", "main", "c");
   EXPECT_STREQ(built, "src/main.c");
   free(built);
@@ -94,8 +92,23 @@ TEST(FileNames, BuildingAndPathPredicates) {
     EXPECT_EQ(fn_starts_with_dot_dot(plain), 0);
 }
 
-TEST(FileNames, ExistenceSizeDeletionAndIdentity) {
+// Existence, size, deletion, identity, renaming (within and across file
+// systems), directory listing and the working directory.
+TEST(FileNames, FilesOnDisk) {
   TempDir tmp;
+  std::string missing = tmp.file("missing");
+  write_file(tmp.file("a"), "");
+  write_file(tmp.file("b"), "");
+  int flag = 7;
+  std::set<std::string> seen;
+  for (const char* entry = fn_get_dir_entry(tmp.path().c_str(), &flag); entry;
+       entry = fn_get_dir_entry(nullptr, &flag))
+    seen.insert(entry);
+  EXPECT_EQ(seen, (std::set<std::string>{".", "..", "a", "b"}));
+  EXPECT_EQ(flag, 0);
+  EXPECT_EQ(fn_get_dir_entry(nullptr, &flag), nullptr);  // the directory was forgotten
+  EXPECT_EQ(fn_get_dir_entry(missing.c_str(), &flag), nullptr);
+
   const std::string file = tmp.file("data.bin");
   const std::string link = tmp.file("link");
   const std::string other = tmp.file("other");
@@ -109,7 +122,6 @@ TEST(FileNames, ExistenceSizeDeletionAndIdentity) {
   ASSERT_EQ(symlink(file.c_str(), link.c_str()), 0);
   EXPECT_EQ(fn_samefile(file.c_str(), link.c_str()), 1);
   EXPECT_EQ(fn_samefile(file.c_str(), other.c_str()), 0);
-  const std::string missing = tmp.file("missing");
   EXPECT_EQ(fn_samefile(missing.c_str(), missing.c_str()), 0);
 
   char* copy = fn_realname(link.c_str());
@@ -119,10 +131,7 @@ TEST(FileNames, ExistenceSizeDeletionAndIdentity) {
   EXPECT_EQ(fn_delete(file.c_str()), 0);
   EXPECT_EQ(fn_exists(file.c_str()), 0);
   EXPECT_NE(fn_delete(file.c_str()), 0);
-}
 
-TEST(FileNames, RenameMovesAndCopiesAcrossFileSystems) {
-  TempDir tmp;
   const std::string from = tmp.file("from");
   const std::string to = tmp.file("to");
   write_file(from, "content");
@@ -131,14 +140,29 @@ TEST(FileNames, RenameMovesAndCopiesAcrossFileSystems) {
   EXPECT_EQ(read_file(to), "content");
   EXPECT_EQ(fn_rename(from.c_str(), to.c_str()), 0);
 
+  char* before = fn_get_working_dir(nullptr);
+  std::string target = std::filesystem::canonical(tmp.path()).string();
+  fn_change_dir(target.data());
+  char here[501];
+  EXPECT_EQ(fn_get_working_dir(here), here);
+  EXPECT_EQ(std::string(here), target);
+
+  fn_change_dir(nullptr);
+  const std::string err = capture_output(stderr, [&] { fn_change_dir(missing.data()); });
+  EXPECT_EQ(err.rfind("chdir in fn_change_dir: ", 0), 0u) << err;
+  EXPECT_EQ(std::string(fn_get_working_dir(here)), target);
+
+  fn_change_dir(before);
+  free(before);
+
   struct stat a, b;
-  TempDir other("/dev/shm");
-  if (other.path().empty() || stat(tmp.path().c_str(), &a) != 0 ||
-      stat(other.path().c_str(), &b) != 0 || a.st_dev == b.st_dev)
+  TempDir shm("/dev/shm");
+  if (shm.path().empty() || stat(tmp.path().c_str(), &a) != 0 ||
+      stat(shm.path().c_str(), &b) != 0 || a.st_dev == b.st_dev)
     GTEST_SKIP() << "no second file system for a temporary directory";
   const std::string big(20000, 'q');  // more than one copy buffer
   write_file(from, big);
-  const std::string across = other.file("moved");
+  const std::string across = shm.file("moved");
   EXPECT_EQ(fn_rename(from.c_str(), across.c_str()), 1);
   EXPECT_EQ(read_file(across), big);
   EXPECT_TRUE(fn_exists(from.c_str()));
@@ -207,40 +231,6 @@ TEST(FileNamesDeathTest, TemporaryNameWithoutMemoryEndsTheProcess) {
         fn_tmpnam(nullptr, nullptr, tmp.path().c_str());
       },
       testing::ExitedWithCode(1), "^ERROR: cannot create temporary file name; out of memory\n$");
-}
-
-TEST(FileNames, DirectoryEntriesAreListedUntilTheEnd) {
-  TempDir tmp;
-  write_file(tmp.file("a"), "");
-  write_file(tmp.file("b"), "");
-  int flag = 7;
-  std::set<std::string> seen;
-  for (const char* entry = fn_get_dir_entry(tmp.path().c_str(), &flag); entry;
-       entry = fn_get_dir_entry(nullptr, &flag))
-    seen.insert(entry);
-  EXPECT_EQ(seen, (std::set<std::string>{".", "..", "a", "b"}));
-  EXPECT_EQ(flag, 0);
-  EXPECT_EQ(fn_get_dir_entry(nullptr, &flag), nullptr);  // the directory was forgotten
-  EXPECT_EQ(fn_get_dir_entry(tmp.file("missing").c_str(), &flag), nullptr);
-}
-
-TEST(FileNames, WorkingDirectoryFollowsChangeDir) {
-  TempDir tmp;
-  char* before = fn_get_working_dir(nullptr);
-  std::string target = std::filesystem::canonical(tmp.path()).string();
-  fn_change_dir(target.data());
-  char here[501];
-  EXPECT_EQ(fn_get_working_dir(here), here);
-  EXPECT_EQ(std::string(here), target);
-
-  fn_change_dir(nullptr);
-  std::string missing = tmp.file("missing");
-  const std::string err = capture_output(stderr, [&] { fn_change_dir(missing.data()); });
-  EXPECT_EQ(err.rfind("chdir in fn_change_dir: ", 0), 0u) << err;
-  EXPECT_EQ(std::string(fn_get_working_dir(here)), target);
-
-  fn_change_dir(before);
-  free(before);
 }
 
 }  // namespace

@@ -72,8 +72,9 @@ std::vector<std::string> line_of(bool longer) {
   return {"--" + std::string(510, 'y'), std::string(longer ? 511 : 510, 'z')};
 }
 
-// The child's exit status is the result; a child killed by a signal kills the caller too.
-TEST_F(RunCommand, TheChildsEndIsTheResult) {
+// The child's exit status is the result; a child killed by a signal kills the
+// caller too. The search path is tried before PATH.
+TEST_F(RunCommand, TheChildsEndIsTheResultAndTheSearchPathIsTriedFirst) {
   EXPECT_EQ(capture_output(stdout,
                            [] {
                              EXPECT_EQ(run("/bin/sh", {"-c", "exit 3"}, nullptr, 0, true), 3);
@@ -84,33 +85,31 @@ TEST_F(RunCommand, TheChildsEndIsTheResult) {
             "exec() error spawning " + missing + ": No such file or directory\n");
   EXPECT_EXIT(run("/bin/sh", {"-c", "kill -TERM $$"}, nullptr, 0, true),
               testing::KilledBySignal(SIGTERM), "abnormal termination of /bin/sh");
+
+  TempDir bin;
+  make_script(bin.file("tool"), "exit 7\n");
+  write_file(bin.file("true"), "not a program\n");
+  std::string dir = bin.path();
+  add_run_search_path(dir.data());
+  EXPECT_EQ(run("tool", {}), 7);
+  // A candidate that can't be executed leaves the plain name for PATH.
+  std::string out = capture_output(stdout, [] { EXPECT_EQ(run("true", {}, nullptr, 1), 0); });
+  EXPECT_EQ(out, "-- Cannot execute '" + dir + "/true'\n");
+  EXPECT_EQ(run("sh", {"-c", "exit 2"}, nullptr, 1), 2);
+
+  const std::vector<std::pair<std::string, std::string>> cases = {
+      {"/usr/local/bin/tool", "/usr/local/bin"},
+      {"bin//tool", "bin"},
+      {"/tool", "/"},
+      {"c:/tool", "c:/"},
+      {"tool", "c:/"}};  // a plain name leaves the path alone
+  for (auto [program, path] : cases) {
+    set_execution_path_to_search_path(program.data());
+    EXPECT_STREQ(run_search_path(), path.c_str()) << program;
+  }
 }
 
-TEST_F(RunCommand, LongLinesGoThroughAQuotedCommandFile) {
-  // Short lines, and any line of a tool without a command-file option, go unquoted.
-  EXPECT_EQ(run(recorder, line_of(false), "-@"), 0);
-  EXPECT_EQ(seen(), line_of(false)[0] + "\n" + line_of(false)[1] + "\n");
-  const std::vector<std::string> args = {"/some/path\\x", "--opt=1", "12ab",
-                                         std::string(1100, 'f')};
-  EXPECT_EQ(run(recorder, args), 0);
-  const std::string plain = args[0] + "\n" + args[1] + "\n" + args[2] + "\n" + args[3] + "\n";
-  EXPECT_EQ(seen(), plain);
-
-  const std::string out = capture_output(stdout, [&] { EXPECT_EQ(run(recorder, args, "-@"), 0); });
-  EXPECT_EQ(out, "");
-  const std::string arg = seen();
-  ASSERT_EQ(arg.rfind("-@" + tmp.path() + "/", 0), 0u) << arg;
-  EXPECT_EQ(cmdfile(), "\"/some/path\\\\x\"\n--\"opt=1\"\n\"12ab\"\n" + args[3] + "\n");
-  EXPECT_FALSE(fn_exists(arg.substr(2, arg.size() - 3).c_str()));  // deleted at echo 0
-  EXPECT_EQ(run(recorder, line_of(true), "-@"), 0);
-  EXPECT_EQ(cmdfile(), line_of(true)[0] + "\n" + line_of(true)[1] + "\n");
-
-  disable_command_files();
-  EXPECT_EQ(run(recorder, args, "-@"), 0);
-  EXPECT_EQ(seen(), plain);
-}
-
-TEST_F(RunCommand, CommandFileOptionAndNameMustFitOneArgument) {
+TEST_F(RunCommand, CommandFileNamesMustFitOneArgumentAndEchoLevelsAndDumpsTellWhatIsDone) {
   const std::vector<std::string> args = {std::string(1100, 'f')};
   char* sample = fn_tmpnam(nullptr, nullptr, nullptr);
   const size_t name_length = strlen(sample);
@@ -129,10 +128,7 @@ TEST_F(RunCommand, CommandFileOptionAndNameMustFitOneArgument) {
     EXPECT_NE(err.find("': File name too long\n"), std::string::npos) << err;
     EXPECT_FALSE(fn_exists(tmp.file("seen").c_str()));
   }
-}
 
-TEST_F(RunCommand, EchoLevelsAndDumpsTellWhatIsDone) {
-  const std::vector<std::string> args = {std::string(1100, 'f')};
   std::string out = capture_output(stdout, [&] { EXPECT_EQ(run(recorder, args, "-@", 1), 0); });
   // The name is quoted since the directory's name has a "-".
   ASSERT_EQ(out.rfind("rm \"" + tmp.path() + "/", 0), 0u) << out;
@@ -160,31 +156,7 @@ TEST_F(RunCommand, EchoLevelsAndDumpsTellWhatIsDone) {
   EXPECT_EQ(out, "\"/bin/true\" \"a b\" --\"x=1\" y \n");
 }
 
-TEST_F(RunCommand, SearchPathIsTriedFirstAndComesFromTheProgramsDirectory) {
-  TempDir bin;
-  make_script(bin.file("tool"), "exit 7\n");
-  write_file(bin.file("true"), "not a program\n");
-  std::string dir = bin.path();
-  add_run_search_path(dir.data());
-  EXPECT_EQ(run("tool", {}), 7);
-  // A candidate that can't be executed leaves the plain name for PATH.
-  std::string out = capture_output(stdout, [] { EXPECT_EQ(run("true", {}, nullptr, 1), 0); });
-  EXPECT_EQ(out, "-- Cannot execute '" + dir + "/true'\n");
-  EXPECT_EQ(run("sh", {"-c", "exit 2"}, nullptr, 1), 2);
-
-  const std::vector<std::pair<std::string, std::string>> cases = {
-      {"/usr/local/bin/tool", "/usr/local/bin"},
-      {"bin//tool", "bin"},
-      {"/tool", "/"},
-      {"c:/tool", "c:/"},
-      {"tool", "c:/"}};  // a plain name leaves the path alone
-  for (auto [program, path] : cases) {
-    set_execution_path_to_search_path(program.data());
-    EXPECT_STREQ(run_search_path(), path.c_str()) << program;
-  }
-}
-
-TEST_F(RunCommand, ArgvListCollectsEditsAndExecutes) {
+TEST_F(RunCommand, ArgvListsAndLongLinesGoThroughAQuotedCommandFile) {
   argv_list list(recorder.c_str(), nullptr, 0);
   EXPECT_EQ(list.cmd_file_option, "");
   list.add("one");
@@ -209,6 +181,28 @@ TEST_F(RunCommand, ArgvListCollectsEditsAndExecutes) {
   through_file.add(std::string(1100, 'f'));
   EXPECT_EQ(through_file.execute(false, nullptr), 0);
   EXPECT_EQ(cmdfile(), std::string(1100, 'f') + "\n");
+
+  // Short lines, and any line of a tool without a command-file option, go unquoted.
+  EXPECT_EQ(run(recorder, line_of(false), "-@"), 0);
+  EXPECT_EQ(seen(), line_of(false)[0] + "\n" + line_of(false)[1] + "\n");
+  const std::vector<std::string> args = {"/some/path\\x", "--opt=1", "12ab",
+                                         std::string(1100, 'f')};
+  EXPECT_EQ(run(recorder, args), 0);
+  const std::string plain = args[0] + "\n" + args[1] + "\n" + args[2] + "\n" + args[3] + "\n";
+  EXPECT_EQ(seen(), plain);
+
+  const std::string out = capture_output(stdout, [&] { EXPECT_EQ(run(recorder, args, "-@"), 0); });
+  EXPECT_EQ(out, "");
+  const std::string arg = seen();
+  ASSERT_EQ(arg.rfind("-@" + tmp.path() + "/", 0), 0u) << arg;
+  EXPECT_EQ(cmdfile(), "\"/some/path\\\\x\"\n--\"opt=1\"\n\"12ab\"\n" + args[3] + "\n");
+  EXPECT_FALSE(fn_exists(arg.substr(2, arg.size() - 3).c_str()));  // deleted at echo 0
+  EXPECT_EQ(run(recorder, line_of(true), "-@"), 0);
+  EXPECT_EQ(cmdfile(), line_of(true)[0] + "\n" + line_of(true)[1] + "\n");
+
+  disable_command_files();
+  EXPECT_EQ(run(recorder, args, "-@"), 0);
+  EXPECT_EQ(seen(), plain);
 }
 
 }  // namespace

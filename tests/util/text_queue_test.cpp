@@ -26,7 +26,7 @@ std::string blanks(int count) {
   return std::string(count, ' ');
 }
 
-TEST(TextQueue, SortOrders) {
+TEST(TextQueue, SortOrdersAndColumns) {
   // By key, leading dashes skipped; equal keys keep their order. Method 0 sorts
   // by key too.
   for (sort_method method : {sort_by_key, static_cast<sort_method>(0)})
@@ -39,9 +39,7 @@ TEST(TextQueue, SortOrders) {
   EXPECT_EQ(listing(2, sort_by_priority, by_priority),
             "T\n  -y Text of -y\n  -z Text of -z\n  -m Text of -m\n"
             "  -a Text of -a\n  -b Text of -b\n  -c Text of -c\n");
-}
 
-TEST(TextQueue, TwoColumns) {
   // A single entry falls back to one column.
   EXPECT_EQ(listing(4, sort_as_added, {{"-a", 0}}, 2), "T\n  -a   Text of -a\n");
 
@@ -54,15 +52,8 @@ TEST(TextQueue, TwoColumns) {
   queueup("-b", fits.c_str(), 0);
   queueup("-c", "three", 0);
   EXPECT_EQ(capture_output(stdout, [] { print_queue(2, sort_by_key, 0); }),
-            "T\n"
-            "  -a   One" +
-                blanks(28) +
-                "  -c   Three\n"
-                "  -b   T" +
-                std::string(30, 'o') +
-                "\n"
-                "  -w   W" +
-                std::string(31, 'i') + blanks(72 - 32) + "\n");
+            "T\n  -a   One" + blanks(28) + "  -c   Three\n  -b   T" + std::string(30, 'o') +
+                "\n  -w   W" + std::string(31, 'i') + blanks(72 - 32) + "\n");
 }
 
 std::string filled(const std::string& text, const std::string& padding) {
@@ -77,7 +68,7 @@ std::string words(int count) {
   return text;
 }
 
-TEST(FillText, WrapsAtBlanksAndIndentsContinuations) {
+TEST(FillText, WrapsAtBlanksAndIndentsContinuationsAndKeepsLongWordsWhole) {
   EXPECT_EQ(filled("", "    "), "\n");
   EXPECT_EQ(filled("Short help", "      "), "Short help\n");
   // The first line may reach column 79, later ones 78 behind the previous break.
@@ -86,9 +77,7 @@ TEST(FillText, WrapsAtBlanksAndIndentsContinuations) {
   const std::string indent(11, ' ');
   EXPECT_EQ(filled(words(25), std::string(10, '.')),
             words(10) + "\n" + indent + words(9) + "\n" + indent + words(6) + "\n");
-}
 
-TEST(FillText, WordLongerThanTheLineStaysWhole) {
   const std::string huge(100, 'x');
   EXPECT_EQ(filled("short " + huge + " tail", ""), "short\n " + huge + "\n tail\n");
   EXPECT_EQ(filled(huge, "  "), huge + "\n");
