@@ -111,7 +111,10 @@ void rewrite_in_place(const std::string& file, std::string_view text, const std:
 // Opens a new, empty file at temp, registered for discard_unfinished_replacement;
 // -1 if none can be made.
 int open_new_file(const std::string& temp) {
-  if (temp.size() >= sizeof pending_path) return -1;
+  if (temp.size() >= sizeof pending_path) {
+    errno = ENAMETOOLONG;
+    return -1;
+  }
   std::memcpy(pending_path, temp.c_str(), temp.size() + 1);
   pending = 1;
   const int fd = open(temp.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, 0666);
