@@ -28,8 +28,8 @@ Target convert(const Source& value) {
     return hex_number::read<Target>(std::string_view(value));
 }
 
-// Seconds since the Unix epoch at the first call; later calls return the same
-// value, so all documents written in one run bear one time.
+// Seconds since the Unix epoch, read from the clock at the first call; later
+// calls return the same value, so all documents written in one run bear one time.
 uint64_t new_timestamp();
 
 // A source of the current time in seconds since the Unix epoch.
