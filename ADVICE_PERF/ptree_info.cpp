@@ -6,13 +6,30 @@
 #include <boost/property_tree/xml_parser.hpp>
 
 #include <ctime>
+#include <optional>
 #include <sstream>
 
 namespace xml_parser = boost::property_tree::xml_parser;
 
+namespace {
+
+uint64_t system_clock() {
+  return static_cast<uint64_t>(std::time(nullptr));
+}
+
+timestamp_clock run_clock = system_clock;
+std::optional<uint64_t> run_time;  // fixed at the first call of new_timestamp
+
+}  // namespace
+
 uint64_t new_timestamp() {
-  static const uint64_t now = static_cast<uint64_t>(std::time(nullptr));
-  return now;
+  if (!run_time) run_time = run_clock();
+  return *run_time;
+}
+
+void set_timestamp_clock(timestamp_clock clock) {
+  run_clock = clock ? clock : system_clock;
+  run_time.reset();
 }
 
 ptree XML_PTREE::read(const KEPT_ELEMENT* kept) const {

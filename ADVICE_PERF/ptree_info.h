@@ -28,9 +28,15 @@ Target convert(const Source& value) {
     return hex_number::read<Target>(std::string_view(value));
 }
 
-// Seconds since the Unix epoch at the first call; later calls return the same
-// value, so all documents written in one run bear one time.
+// Seconds since the Unix epoch, read from the clock at the first call; later
+// calls return the same value, so all documents written in one run bear one time.
 uint64_t new_timestamp();
+
+// A source of the current time in seconds since the Unix epoch.
+using timestamp_clock = uint64_t (*)();
+// Makes the next call of new_timestamp read clock (the system clock when
+// null) and fix the run's time anew; tests use it to set the time of a run.
+void set_timestamp_clock(timestamp_clock clock);
 
 // Reads a file into a property tree and writes a tree back to the file.
 class XML_PTREE {

@@ -12,10 +12,7 @@
 
 namespace {
 
-struct settings {
-  int level;
-  int goal;
-};
+using settings = std::pair<int, int>;  // level, goal
 
 // Scans the tokens (as they stand in a command file) into a fresh shell
 // option object and reads both settings back.
@@ -25,7 +22,7 @@ settings settings_after(const std::vector<const char*>& tokens) {
   for (const char* token : tokens)
     EXPECT_EQ(options->process_option(token + 1, nullptr), 1) << token;
   options->post_process_option_depends();
-  settings result{opt_level(), size_speed_goal()};
+  const settings result{opt_level(), size_speed_goal()};
   global_options = nullptr;
   return result;
 }
@@ -48,12 +45,8 @@ TEST(BuildSettings, LevelAndGoalFromTheTokensThatSetThem) {
       {{"--size_speed_goal=LOW_RISK_PERFORMANCE"}, {-1, 3}},
       {{"-ms", "--opt_for_speed=3"}, {-1, 3}},
   };
-  for (const auto& [tokens, expected] : cases) {
-    SCOPED_TRACE(tokens.size() ? *tokens.begin() : "(none)");
-    const settings got = settings_after(tokens);
-    EXPECT_EQ(got.level, expected.level);
-    EXPECT_EQ(got.goal, expected.goal);
-  }
+  for (const auto& [tokens, expected] : cases)
+    EXPECT_EQ(settings_after(tokens), expected) << testing::PrintToString(tokens);
 }
 
 }  // namespace

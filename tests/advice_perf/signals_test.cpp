@@ -16,17 +16,13 @@ char recurse(unsigned depth, volatile char* caller) {
   return frame[0];
 }
 
-void overflow_the_stack() {
-  volatile char start = 1;
-  recurse(~0u, &start);
-}
-
 TEST(SignalsDeathTest, StackOverflowEndsWithTheReport) {
   tool_path = "advzorv";
   EXPECT_EXIT(
       {
         install_signal_handlers();
-        overflow_the_stack();
+        volatile char start = 1;
+        recurse(~0u, &start);
       },
       testing::ExitedWithCode(2),
       "INTERNAL ERROR: advzorv experienced a segmentation fault while\n");

@@ -1,1 +1,2 @@
+-GW -O2 -MS
 -g --symdebug:none

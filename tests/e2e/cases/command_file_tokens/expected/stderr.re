@@ -1,1 +1,0 @@
->> Ignoring non-option input: [^\n]* two words\n>> Ignoring non-option input: [^\n]* a"b\n>> Ignoring non-option input: [^\n]* plainjoined\n>> Ignoring non-option input: [^\n]* xy\n>> Ignoring non-option input: [^\n]* quoted and glued\n

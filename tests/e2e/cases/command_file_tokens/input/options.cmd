@@ -1,4 +1,0 @@
-"two words" a\"b plain/*gone*/joined x;comment
-y # line comment
-quoted" and "glued
--O2

@@ -1,3 +1,0 @@
--O3 --opt_for_speed=2
--g -ms
---size_speed_goal=high_risk_performance
