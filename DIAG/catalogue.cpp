@@ -7,8 +7,7 @@
 DIAG_INFO DIAG_INFO_ENTRY[] = {
 #define DIAG_ROW(code, severity, internal, non_discretionary, std_msg) \
   {code, std_msg, nullptr, dc_##severity, internal, non_discretionary},
-#include "DIAG/diag_rows.inc"
-#undef DIAG_ROW
+#include "DIAG/messages.inc"
     {0, nullptr, nullptr, dc_suppressed, false, false},
 };
 

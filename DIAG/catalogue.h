@@ -10,8 +10,7 @@ namespace DIAG {
 
 inline constexpr int32_t catalogue_codes[] = {
 #define DIAG_ROW(code, ...) code,
-#include "DIAG/diag_rows.inc"
-#undef DIAG_ROW
+#include "DIAG/messages.inc"
     0,
 };
 

@@ -11,7 +11,6 @@ namespace DIAG {
    public:                                                                                  \
     using message::message;                                                                 \
   };
-#include "DIAG/diag_classes.inc"
-#undef DIAG_CLASS
+#include "DIAG/messages.inc"
 
 }  // namespace DIAG

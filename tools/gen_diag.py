@@ -1,15 +1,16 @@
 #!/usr/bin/env python3
 """Generate the diagnostics catalogue from DIAG/messages.def.
 
-Usage: gen_diag.py CATALOGUE OUTDIR
+Usage: gen_diag.py CATALOGUE OUTPUT.inc
 
-Validates the catalogue and writes two X-macro files into OUTDIR:
-  diag_rows.inc     DIAG_ROW(code, severity, internal, non_discretionary, std_msg)
-                    one per row, in table order
-  diag_classes.inc  DIAG_CLASS(name, row_index, code, form, uses, field...)
-                    one per row that has a class; the fields (str or u32)
-                    follow the placeholders of std_msg, uses is the number of
-                    placeholders
+Validates the catalogue and writes one X-macro file of two sections, each
+between #ifdef MACRO and #endif, so a file that includes it compiles only the
+section whose macro it defines (and the file undefines it again):
+  DIAG_ROW(code, severity, internal, non_discretionary, std_msg)
+      one per row, in table order
+  DIAG_CLASS(name, row_index, code, form, uses, field...)
+      one per row that has a class; the fields (str or u32) follow the
+      placeholders of std_msg, uses is the number of placeholders
 Errors are reported as "file:line: message" and end with exit status 1.
 """
 
@@ -204,11 +205,20 @@ def classes_inc(rows):
     return lines
 
 
+def sectioned(rows):
+    lines = ["#if !defined(DIAG_ROW) && !defined(DIAG_CLASS)",
+             '#error "define DIAG_ROW or DIAG_CLASS before including this file"',
+             "#endif"]
+    for macro, section in (("DIAG_ROW", rows_inc), ("DIAG_CLASS", classes_inc)):
+        lines += ["#ifdef " + macro] + section(rows) + ["#undef " + macro, "#endif"]
+    return lines
+
+
 def main(argv):
     if len(argv) != 3:
-        sys.stderr.write("usage: gen_diag.py CATALOGUE OUTDIR\n")
+        sys.stderr.write("usage: gen_diag.py CATALOGUE OUTPUT.inc\n")
         return 2
-    source, outdir = argv[1], argv[2]
+    source, output = argv[1], argv[2]
     try:
         rows, errors = read_catalogue(source)
     except OSError as err:
@@ -217,11 +227,8 @@ def main(argv):
     if errors:
         sys.stderr.write("\n".join(errors) + "\n")
         return 1
-    os.makedirs(outdir, exist_ok=True)
-    name = os.path.basename(source)
-    write_generated(os.path.join(outdir, "diag_rows.inc"), "gen_diag.py", name, rows_inc(rows))
-    write_generated(os.path.join(outdir, "diag_classes.inc"), "gen_diag.py", name,
-                    classes_inc(rows))
+    os.makedirs(os.path.dirname(output) or ".", exist_ok=True)
+    write_generated(output, "gen_diag.py", os.path.basename(source), sectioned(rows))
     return 0
 
 
