@@ -4,19 +4,11 @@
 
 void DiagTest::SetUp() {
   DIAGNOSTIC::fp_m = out_.file();
-  DIAGNOSTIC::wrap_enabled_m = true;
-  DIAGNOSTIC::warnings_m = true;
   DIAGNOSTIC::advice_m = false;
   DIAGNOSTIC::debug_m = false;
   DIAGNOSTIC::remarks_m = false;
   DIAGNOSTIC::verbose_m = false;
-  DIAGNOSTIC::display_code_m = false;
-  DIAGNOSTIC::display_ipos_m = false;
-  DIAGNOSTIC::wrap_headers_m = false;
   DIAGNOSTIC::debug_mode_m = false;
-  DIAGNOSTIC::max_errors_m = 100;
-  DIAGNOSTIC::wrap_indent_m = 3;
-  DIAGNOSTIC::diag_cols_m = 79;
   DIAGNOSTIC::indent_m = 0;
   DIAGNOSTIC::debug_mode_stack_m = {};
   DIAGNOSTIC::indent_stack_m = {};

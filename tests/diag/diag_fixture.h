@@ -1,6 +1,6 @@
 #pragma once
-// Test fixture: every message goes to a temporary file, and the switches,
-// counters and row severities start from their defaults in each test.
+// Test fixture: every message goes to a temporary file, and the switches the
+// tests change, the counters and the row severities start from their defaults.
 #include <gtest/gtest.h>
 
 #include <cstdio>

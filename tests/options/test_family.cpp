@@ -28,3 +28,15 @@ const char* scripted_next_arg() {
   tokens.pop_front();
   return token;
 }
+
+void expect_facts(const option_engine& options, const option_facts& facts) {
+  for (const auto& [id, state, args] : facts) {
+    EXPECT_EQ(options.option_state[id], state) << "option " << id;
+    std::string joined;
+    for (int i = 0; i < options.getargcount(id); ++i)
+      joined += std::string(i ? "," : "") + options.getstrarg(id, static_cast<unsigned>(i));
+    if (args) {
+      EXPECT_EQ(joined, args) << "option " << id;
+    }
+  }
+}

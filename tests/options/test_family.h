@@ -3,6 +3,7 @@
 // and a scripted argument stream for the scanner.
 #include <cstdio>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -24,6 +25,11 @@ class option_obj_test : public option_engine {
 // The tokens that next_arg hands out, in order; empty means end of stream.
 void script_tokens(std::vector<const char*> tokens);
 const char* scripted_next_arg();
+
+// Per option: its expected state, then its arguments joined by "," ("" for
+// none; nullptr leaves them unchecked).
+using option_facts = std::vector<std::tuple<int, int, const char*>>;
+void expect_facts(const option_engine& options, const option_facts& facts);
 
 // Collects what diagnostics print while it lives (through DIAGNOSTIC::fp_m).
 class diag_capture : public captured_stream {
