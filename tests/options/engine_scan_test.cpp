@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <limits>
+#include <tuple>
 #include <utility>
 
 #include "options/optobj.h"
@@ -120,23 +121,19 @@ TEST_F(Scan, HelpEndsTheRunWithOneWhenTheUsageHookReturns) {
 using Args = test_table_fixture;
 
 TEST(Radix, SuffixesAndPrefixesPickTheRadix) {
-  struct {
-    const char* text;
-    long value;
-    int bad;
-  } cases[] = {
+  const std::tuple<const char*, long, int> cases[] = {
       {"1Fh", 31, 0},  {"FFH", 255, 0}, {"17q", 15, 0},  {"017", 15, 0},
       {"0x1F", 31, 0}, {"0q", 0, 0},    {"42", 42, 0},   {"19q", 19, 1},
       {"-1Fh", -1, 1}, {"", 0, 1},      {"12ab", 12, 1},
   };
-  for (const auto& c : cases) {
-    int bad = 0;
-    EXPECT_EQ(option_engine::strtol_by_radix(c.text, &bad), c.value) << c.text;
-    EXPECT_EQ(bad, c.bad) << c.text;
+  for (const auto& [text, value, bad] : cases) {
+    int found_bad = 0;
+    EXPECT_EQ(option_engine::strtol_by_radix(text, &found_bad), value) << text;
+    EXPECT_EQ(found_bad, bad) << text;
   }
-  char text[] = "7Fh";
-  EXPECT_EQ(option_engine::get_radix(text), 16);
-  EXPECT_STREQ(text, "7F");  // the suffix is cut in place
+  char hex[] = "7Fh";
+  EXPECT_EQ(option_engine::get_radix(hex), 16);
+  EXPECT_STREQ(hex, "7F");  // the suffix is cut in place
   char octal_looking[] = "19q";
   EXPECT_EQ(option_engine::get_radix(octal_looking), 10);
   EXPECT_STREQ(octal_looking, "19q");

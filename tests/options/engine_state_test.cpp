@@ -74,9 +74,6 @@ TEST_F(State, HardConflictEndsTheRunAtTheSecondOption) {
   run("-hard_a");
   EXPECT_EXIT(run("-hard_b"), ExitedWithCode(1),
               "option --hard_b conflicts with previous option --hard_a");
-  opts.merging = true;  // a merge looks at no conflict
-  run("-hard_b");
-  EXPECT_EQ(opts.option_state[T::HARD_A], 1);
 }
 
 // A copy is deep and starts without history.

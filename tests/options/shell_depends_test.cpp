@@ -33,7 +33,6 @@ TEST_F(ShellDepends, DerivedSettingsAndWarningRules) {
         {S::OPT_LEVEL, "off"},
         {S::FLOAT_SUPPORT, "softlib"},
         {S::SILICON_ERRATA_ZFPA1_WORKAROUND, "on"},
-        {S::SIZE_SPEED_GOAL, "low_risk_size"},
         {S::BUFFER_DIAGNOSTICS, ""},
         {S::C89, ""},
         {S::SYMDEBUG__DWARF, ""},

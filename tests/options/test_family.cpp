@@ -1,7 +1,5 @@
 #include "test_family.h"
 
-#include <deque>
-
 #include "DIAG/diag.h"
 
 #define OO_TABLE_INC "options/engine_test.inc"
@@ -12,21 +10,6 @@
 
 option_obj_test::option_obj_test(bool with_defaults) : option_engine(table_data) {
   if (with_defaults) set_defaults();
-}
-
-namespace {
-std::deque<const char*> tokens;
-}
-
-void script_tokens(std::vector<const char*> list) {
-  tokens.assign(list.begin(), list.end());
-}
-
-const char* scripted_next_arg() {
-  if (tokens.empty()) return nullptr;
-  const char* token = tokens.front();
-  tokens.pop_front();
-  return token;
 }
 
 void expect_facts(const option_engine& options, const option_facts& facts) {

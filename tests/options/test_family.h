@@ -1,6 +1,6 @@
 #pragma once
 // option_obj_test: the engine bound to the synthetic table engine_test.opt,
-// and a scripted argument stream for the scanner.
+// with fixtures and checks for the tests on it.
 #include <cstdio>
 #include <string>
 #include <tuple>
@@ -22,10 +22,6 @@ class option_obj_test : public option_engine {
 
 #undef OO_TABLE_INC
 
-// The tokens that next_arg hands out, in order; empty means end of stream.
-void script_tokens(std::vector<const char*> tokens);
-const char* scripted_next_arg();
-
 // Per option: its expected state, then its arguments joined by "," ("" for
 // none; nullptr leaves them unchecked).
 using option_facts = std::vector<std::tuple<int, int, const char*>>;
@@ -45,8 +41,7 @@ class diag_capture : public captured_stream {
 class options_fixture : public ::testing::Test {
  protected:
   void SetUp() override {
-    script_tokens({});
-    option_obj_test::next_arg = scripted_next_arg;
+    option_obj_test::next_arg = [] { return static_cast<const char*>(nullptr); };  // no more tokens
     option_obj_test::executable_name = "<toolname>";
     DIAGNOSTIC::error_count_m = 0;
     DIAGNOSTIC::wrap_enabled_m = false;  // one line per message keeps the checks simple
