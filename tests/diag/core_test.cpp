@@ -1,6 +1,5 @@
 // Showing, counting and stopping: the diagnostic core, and run-time severity
 // overrides of catalogue rows.
-#include <csignal>
 #include <cstdlib>
 #include <memory>
 #include <string>

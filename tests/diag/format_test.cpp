@@ -14,7 +14,6 @@ namespace {
 using FormatTest = DiagTest;
 using sp_text = std::unique_ptr<char, decltype(&std::free)>;
 
-// n words "abcd" separated by single blanks.
 std::string words(int n) {
   std::string text;
   for (int i = 0; i < n; ++i)

@@ -41,10 +41,11 @@ TEST_F(Merge, ArgumentsCompareByTypeAndAMissingOneIsLowest) {
 }
 
 // The receiver's and the further file's tokens, and the receiver's options
-// after one merge.
+// after one merge (or, with init, after merge_init).
 struct merge_case {
   std::vector<const char*> receiver, further;
   option_facts after;
+  bool init = false;
 };
 
 TEST_F(Merge, EachPolicyCombinesTheFurtherFileIntoTheReceiver) {
@@ -73,6 +74,11 @@ TEST_F(Merge, EachPolicyCombinesTheFurtherFileIntoTheReceiver) {
       {{"-verbose"}, {"-quiet_a"}, {{T::VERBOSE, 0, ""}, {T::QUIET_A, 1, ""}}},
       {{"-quiet_a"}, {"-quiet_a"}, {{T::QUIET_A, 2, ""}}},
       {{"-quiet_a"}, {}, {{T::QUIET_A, 1, ""}}},
+      // init takes the first argument of the options with a policy other than none
+      {{},
+       {"-names=a", "-names=b", "-mode=fast", "-zip=z", "-trace"},
+       {{T::NAMES, 1, "a"}, {T::MODE, 1, "fast"}, {T::ZIP, 0, ""}, {T::TRACE, 0, ""}},
+       true},
   };
   for (const merge_case& c : cases) {
     SCOPED_TRACE(c.further.empty() ? c.receiver[0] : c.further[0]);
@@ -81,7 +87,7 @@ TEST_F(Merge, EachPolicyCombinesTheFurtherFileIntoTheReceiver) {
       receiver.process_option(token, nullptr);
     for (const char* token : c.further)
       further.process_option(token, nullptr);
-    receiver.merge_options(further);
+    c.init ? receiver.merge_init(further) : receiver.merge_options(further);
     EXPECT_EQ(receiver.error_count, 0);
     EXPECT_FALSE(receiver.merging);
     expect_facts(receiver, c.after);
@@ -119,15 +125,6 @@ TEST_F(Merge, DifferencesAreReportedAndTheMergeGoesOn) {
     EXPECT_TRUE(contains(text, report)) << report;
   EXPECT_EQ(opts.error_count, 1 + 3 + 4);  // the last merge reports the three again
   EXPECT_EQ(fresh.error_count, 1);
-}
-
-TEST_F(Merge, InitTakesTheFirstArgumentOfOptionsWithAPolicyOtherThanNone) {
-  for (const char* token : {"-names=a", "-names=b", "-mode=fast", "-zip=z", "-trace"})
-    give(token);
-  opts.merge_init(other);
-  expect_facts(opts,
-               {{T::NAMES, 1, "a"}, {T::MODE, 1, "fast"}, {T::ZIP, 0, ""}, {T::TRACE, 0, ""}});
-  EXPECT_FALSE(opts.merging);
 }
 
 }  // namespace

@@ -6,7 +6,6 @@
 namespace {
 
 using T = option_obj_test;
-using ::testing::ExitedWithCode;
 
 using State = test_table_fixture;
 
@@ -47,8 +46,7 @@ TEST_F(State, ClassesCountMembersAndClassZeroMeansAll) {
   EXPECT_EQ(opts.isclass(T::ALPHA, 4), 0);
   EXPECT_EQ(opts.isclass(T::OPTION_COUNT, 0), 0);
   opts.setopt(T::class_id(1));
-  EXPECT_EQ(opts.option_state[T::ALPHA], 1);
-  EXPECT_EQ(opts.option_state[T::ALPHA_BETA], 1);
+  expect_facts(opts, {{T::ALPHA, 1, ""}, {T::ALPHA_BETA, 1, ""}});
   EXPECT_EQ(opts.testclass(1), 2);
   EXPECT_EQ(opts.testclass(0), 0);
   EXPECT_EQ(opts.seenclass(0), 0u);
@@ -61,19 +59,12 @@ TEST_F(State, QuietConflictClearsWithoutAWordUnlessDebugging) {
   diag_capture capture;
   run("-quiet_a");
   run("-quiet_b");
-  EXPECT_EQ(opts.option_state[T::QUIET_A], 0);
-  EXPECT_EQ(opts.option_state[T::QUIET_B], 1);
+  expect_facts(opts, {{T::QUIET_A, 0, ""}, {T::QUIET_B, 1, ""}});
   EXPECT_EQ(capture.text(), "");
   DIAGNOSTIC::remarks_m = true;
   opts.debug = 1;
   capture_output(stdout, [this] { run("-quiet_a"); });  // debug trace lines
   EXPECT_EQ(capture.text(), "remark: option --quiet_a clears preceding option --quiet_b\n");
-}
-
-TEST_F(State, HardConflictEndsTheRunAtTheSecondOption) {
-  run("-hard_a");
-  EXPECT_EXIT(run("-hard_b"), ExitedWithCode(1),
-              "option --hard_b conflicts with previous option --hard_a");
 }
 
 // A copy is deep and starts without history.
