@@ -99,7 +99,7 @@ TEST_F(Scan, WhatAnOptionDoesBeyondBeingStored) {
             "error: Argument of --align=6 must be a power of 2\n"
             "remark: --old_remark does nothing.\n"
             "warning: --old_warning only sets --alpha.\n");
-  EXPECT_EXIT(opts.post_process_option_depends(), ::testing::ExitedWithCode(1), "");
+  EXPECT_EXIT(opts.post_process_option_depends(), ExitedWithCode(1), "");
 }
 
 // Help topics and their forms are the end-to-end cases' part; here only what

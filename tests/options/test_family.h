@@ -42,7 +42,6 @@ class options_fixture : public ::testing::Test {
  protected:
   void SetUp() override {
     option_obj_test::next_arg = [] { return static_cast<const char*>(nullptr); };  // no more tokens
-    option_obj_test::executable_name = "<toolname>";
     DIAGNOSTIC::error_count_m = 0;
     DIAGNOSTIC::wrap_enabled_m = false;  // one line per message keeps the checks simple
     DIAGNOSTIC::advice_m = false;
