@@ -23,15 +23,12 @@ TEST_F(State, StoredValues) {
   EXPECT_EQ(opts.getnumarg(T::COLOR, 0), T::ITEM_COLOR_GREEN);
   opts.setarg(T::COLOR, 99L);  // no item has it: printed as the number
   expect_facts(opts, {{T::COLOR, 1, "99"}});
-  // get_argument describes the stored values.
+  // get_argument describes the stored values (numbers: the merge tests).
   run("n=one");
   run("n=two");
-  run("-hex=10h");
   an_argument_t arg;
   opts.get_argument(T::ALPHA, &arg);
   EXPECT_EQ(arg.type, argument_missing);
-  opts.get_argument(T::HEX, &arg);
-  EXPECT_EQ(arg.value.unum, 16u);
   opts.get_argument(T::NAMES, &arg);
   ASSERT_EQ(arg.type, argument_list);
   ASSERT_EQ(arg.count, 2u);

@@ -37,14 +37,12 @@ class diag_capture : public captured_stream {
   FILE* saved_;
 };
 
-// Resets the class-wide switches that the engine reads or changes.
+// Resets the class-wide switches that the tests change or the engine reads.
 class options_fixture : public ::testing::Test {
  protected:
   void SetUp() override {
-    option_obj_test::next_arg = [] { return static_cast<const char*>(nullptr); };  // no more tokens
     DIAGNOSTIC::error_count_m = 0;
     DIAGNOSTIC::wrap_enabled_m = false;  // one line per message keeps the checks simple
-    DIAGNOSTIC::advice_m = false;
     DIAGNOSTIC::remarks_m = false;
   }
 };
