@@ -33,26 +33,21 @@ TEST_F(Scan, TokensAcceptedAndWhatTheySet) {
       {"-alphas", 6, {}},
       {"-internal_row", 1, {}},  // a row without scanned spelling
       {"-alpha_x", 7, {{T::ALPHA, 0, ""}}},
-      {"-alpha", taken, {{T::ALPHA, 1, ""}}},
-      {"-alpha_betaXYZ", taken, {{T::ALPHA_BETA, 1, "XYZ"}}},
       {"-number7", taken, {{T::NUMBER, 1, "7"}, {T::NUMBERS, 0, ""}}},
       {"-numbers", taken, {{T::NUMBERS, 1, ""}, {T::NUMBER, 0, ""}}},
       // a character that starts nothing fails one back, even before the token
       {"-5" + 1, -1, {}},
       // short flags cluster, and the letters before a failure stand
-      {"vk", taken, {{T::VERBOSE, 1, ""}, {T::ALPHA, 1, ""}}},
       {"vvx", 1, {{T::VERBOSE, 2, ""}}},
       // family members follow each other; the family's base hands the rest back
       {"gtga", taken, {{T::TRACE, 1, ""}, {T::OVER_A, 1, ""}}},
       {"gv", taken, {{T::OVER_B, 1, ""}, {T::VERBOSE, 1, ""}}},
       {"gax", refused, {}},
-      // arguments behind "=" or glued; optional ones left out take the row's word
-      {"-alpha_beta=one", taken, {{T::ALPHA_BETA, 1, "one"}}},
+      // arguments glued to a short form; optional ones left out take the row's word, if any
       {"nfirst", taken, {{T::NAMES, 1, "first"}}},
       {"r", taken, {{T::RATE, 1, "3"}}},
       {"r4", taken, {{T::RATE, 1, "4"}}},
       {"-zip", taken, {{T::ZIP, 1, ""}}},
-      {"-mode", taken, {{T::MODE, 1, "safe"}}},
       {"mFAST", taken, {{T::MODE, 1, "fast"}}},
       // options set as well: by a word, not by a number that names none, by one more
       {"-format=COFF", taken, {{T::MODE, 1, "fast"}}},
