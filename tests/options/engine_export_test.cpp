@@ -8,17 +8,16 @@ namespace {
 
 using T = option_obj_test;
 
-class Export : public test_table_fixture {
- protected:
-  // The ids of a list that ends with OPTION_COUNT, which is freed.
-  static std::vector<int> ids(int* list) {
-    std::vector<int> out;
-    for (int* id = list; *id != T::OPTION_COUNT; ++id)
-      out.push_back(*id);
-    std::free(list);
-    return out;
-  }
-};
+using Export = test_table_fixture;
+
+// The ids of a list that ends with OPTION_COUNT, which is freed.
+std::vector<int> ids(int* list) {
+  std::vector<int> out;
+  for (int* id = list; *id != T::OPTION_COUNT; ++id)
+    out.push_back(*id);
+  std::free(list);
+  return out;
+}
 
 TEST(Rot13, IsItsOwnInverseAndSwapsDashAndPercent) {
   std::string scrambled = option_engine::rot13("--Help_me-Zz%");

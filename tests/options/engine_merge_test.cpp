@@ -9,16 +9,7 @@ namespace {
 
 using T = option_obj_test;
 
-// The accumulating object (opts) and a further file (other).
-class Merge : public test_table_fixture {
- protected:
-  T other;
-  void SetUp() override {
-    test_table_fixture::SetUp();
-    other.source_name = "b.cmd";
-  }
-  void give(const char* text) { other.process_option(text, nullptr); }
-};
+using Merge = test_table_fixture;
 
 TEST_F(Merge, ArgumentsCompareByTypeAndAMissingOneIsLowest) {
   an_argument_t none{argument_missing, {.num = 0}, 0}, none2{argument_missing, {.num = 7}, 0};
@@ -94,7 +85,11 @@ TEST_F(Merge, EachPolicyCombinesTheFurtherFileIntoTheReceiver) {
   }
 }
 
+// The accumulating object (opts) and a further file (other).
 TEST_F(Merge, DifferencesAreReportedAndTheMergeGoesOn) {
+  T other;
+  other.source_name = "b.cmd";
+  const auto give = [&other](const char* text) { other.process_option(text, nullptr); };
   diag_capture capture;
   run("-alpha_beta=x");
   run("-hex=10");

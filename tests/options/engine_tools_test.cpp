@@ -12,17 +12,16 @@ namespace {
 using T = option_obj_test;
 using args = std::vector<std::string>;
 
-class Tools : public test_table_fixture {
- protected:
-  args line_for(const char* tool, std::vector<int> include = {0}, std::vector<int> exclude = {}) {
+using Tools = test_table_fixture;
+
+TEST_F(Tools, EachToolGetsItsOwnTextsFilesAndClassesInTheOrderOfTheHistory) {
+  const auto line_for = [this](const char* tool, std::vector<int> include = {0},
+                               std::vector<int> exclude = {}) {
     argv_list list(tool, nullptr, 0);
     list.add("first");  // what the list held before stays first
     opts.add_opts_for_tool(list, std::move(include), std::move(exclude));
     return list.args;
-  }
-};
-
-TEST_F(Tools, EachToolGetsItsOwnTextsFilesAndClassesInTheOrderOfTheHistory) {
+  };
   opts.addfileopt("main.obj", "lnkzorv");
   for (const char* token : {"-number=5", "-names=a", "-mode=fast"})
     run(token);
