@@ -12,7 +12,6 @@
 namespace {
 
 using FormatTest = DiagTest;
-using sp_text = std::unique_ptr<char, decltype(&std::free)>;
 
 std::string words(int n) {
   std::string text;
@@ -36,7 +35,7 @@ TEST_F(FormatTest, IndentAppliesToEveryLineOfAMessage) {
 
 TEST_F(FormatTest, SpPrintLineWidthsAreExactly66And69) {
   auto sp = [](const std::string& text) {
-    const sp_text formatted(
+    const std::unique_ptr<char, decltype(&std::free)> formatted(
         DIAG::optgen_depdiag_error(__FILE__, __LINE__, text.c_str()).get_sp_buffer(), &std::free);
     return std::string(formatted.get());
   };

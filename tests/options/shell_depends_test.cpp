@@ -7,11 +7,6 @@
 
 namespace {
 
-using ::testing::AllOf;
-using ::testing::ExitedWithCode;
-using ::testing::HasSubstr;
-using ::testing::Not;
-
 // Tokens of a command file, what the pass prints, and settings afterwards:
 // the option's word, "" for set (with any word) or nullptr for unset.
 struct depends_case {
@@ -104,9 +99,9 @@ TEST_F(ShellDepends, SmallDataModelStopsBeforeTheRules) {
   S opts(true);
   opts.process_option("-mem_model:data=small", nullptr);
   opts.process_option("-optimizer_comments", nullptr);
-  EXPECT_EXIT(opts.post_process_option_depends(), ExitedWithCode(1),
-              AllOf(HasSubstr("Small memory model is no longer supported"),
-                    Not(HasSubstr("optimizer_comments"))));
+  EXPECT_EXIT(opts.post_process_option_depends(), ::testing::ExitedWithCode(1),
+              ::testing::AllOf(::testing::HasSubstr("Small memory model is no longer supported"),
+                               ::testing::Not(::testing::HasSubstr("optimizer_comments"))));
 }
 
 }  // namespace

@@ -1,7 +1,5 @@
 #include "test_family.h"
 
-#include "DIAG/diag.h"
-
 #define OO_TABLE_INC "options/engine_test.inc"
 #define OO_FAMILY option_obj_test
 #define OO_OPEN_CMD_FILE nullptr
