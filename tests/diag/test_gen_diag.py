@@ -7,7 +7,7 @@ import sys
 import tempfile
 import unittest
 
-GENERATOR = None
+GENERATOR = sys.argv.pop(1) if len(sys.argv) > 1 else "tools/gen_diag.py"
 GOOD = ('10  error   -                  -        -        "plain %s"\n'
         '11  advice  non_discretionary  twice    one_arg  "%s and %s"\n'
         '12  fatal   internal           numbers  pattern  "from %u to %u in \\"%s\\""\n')
@@ -65,5 +65,4 @@ class GeneratorTest(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    GENERATOR = sys.argv.pop(1)
     unittest.main()

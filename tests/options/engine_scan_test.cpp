@@ -109,8 +109,6 @@ TEST_F(Scan, HelpEndsTheRunWithOneWhenTheUsageHookReturns) {
       ::testing::ExitedWithCode(1), "Usage: <toolname>");
 }
 
-using Args = test_table_fixture;
-
 TEST(Radix, SuffixesAndPrefixesPickTheRadix) {
   const std::tuple<const char*, long, int> cases[] = {
       {"1Fh", 31, 0},  {"FFH", 255, 0}, {"17q", 15, 0},  {"017", 15, 0},
@@ -122,19 +120,13 @@ TEST(Radix, SuffixesAndPrefixesPickTheRadix) {
     EXPECT_EQ(option_engine::strtol_by_radix(text, &found_bad), value) << text;
     EXPECT_EQ(found_bad, bad) << text;
   }
-  char hex[] = "7Fh";
-  EXPECT_EQ(option_engine::get_radix(hex), 16);
-  EXPECT_STREQ(hex, "7F");  // the suffix is cut in place
-  char octal_looking[] = "19q";
-  EXPECT_EQ(option_engine::get_radix(octal_looking), 10);
-  EXPECT_STREQ(octal_looking, "19q");
 }
 
 // An unsigned option without a range of its own is handed the signed bounds,
 // so it is not "unbounded" for its type: values above them are refused, and
 // the message names both bounds, cut to 32 bits. A hard conflict ends the run
 // at its second option.
-TEST_F(Args, RefusedTokensEndTheRunWithAMessageNamingOptionAndArgument) {
+TEST_F(Scan, RefusedTokensEndTheRunWithAMessageNamingOptionAndArgument) {
   run("-hard_a");
   const std::pair<const char*, const char*> cases[] = {
       {"-number=-5",

@@ -34,7 +34,6 @@ TEST_F(Tools, EachToolGetsItsOwnTextsFilesAndClassesInTheOrderOfTheHistory) {
             (args{"first", "main.obj", "--name=a", "-m=fast", "--speed=fast", "--alpha_beta=w"}));
   EXPECT_EQ(line_for("embedded_options"), (args{"first", "--mode=fast", "--number=7"}));
   EXPECT_EQ(line_for("asmzorv"), (args{"first", "start.asm", "--alpha"}));
-  EXPECT_EQ(line_for("hexzorv"), args{"first"});
   // Classes select: included ones less excluded ones, or all but the excluded.
   EXPECT_EQ(line_for("lnkzorv", {1}, {}), (args{"first", "--alpha_beta=w"}));
   EXPECT_EQ(line_for("lnkzorv", {2, 1}, {1}), (args{"first", "--name=a"}));
