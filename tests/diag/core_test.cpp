@@ -1,6 +1,5 @@
 // Showing, counting and stopping: the diagnostic core, and run-time severity
 // overrides of catalogue rows.
-#include <csignal>
 #include <cstdlib>
 #include <memory>
 #include <string>
@@ -82,9 +81,7 @@ TEST_F(CoreTest, AllocCopiesFieldsAndPositionAndEqualityIgnoresArgumentsAndAppro
   EXPECT_EQ(output(), "\"a.c\", line 4: error: option -x conflicts with previous option -y\n");
 }
 
-using OverrideTest = DiagTest;
-
-TEST_F(OverrideTest, ByCodeByListAndBySeverityWithSaveAndRestore) {
+TEST_F(CoreTest, SeveritiesOverrideByCodeByListAndBySeverityWithSaveAndRestore) {
   // A warning made an error counts; a suppressed error prints nothing.
   DIAGNOSTIC::override_severity(24003, dc_error);
   DIAGNOSTIC::override_severity(24002, dc_suppressed);

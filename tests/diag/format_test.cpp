@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <memory>
 #include <string>
-#include <utility>
+#include <tuple>
 
 #include "DIAG/messages.h"
 #include "diag_fixture.h"
@@ -12,15 +12,7 @@
 namespace {
 
 using FormatTest = DiagTest;
-using sp_text = std::unique_ptr<char, decltype(&std::free)>;
 
-// The message "error: <text>" of a row whose whole text is one placeholder.
-std::string reported(const std::string& text) {
-  DIAG::optgen_depdiag_error(__FILE__, __LINE__, text.c_str()).report();
-  return text;
-}
-
-// n words "abcd" separated by single blanks.
 std::string words(int n) {
   std::string text;
   for (int i = 0; i < n; ++i)
@@ -32,7 +24,7 @@ TEST_F(FormatTest, IndentAppliesToEveryLineOfAMessage) {
   DIAGNOSTIC::push_indent(2);
   DIAGNOSTIC::push_indent(1);
   DIAGNOSTIC::pop_indent();
-  reported(words(20));
+  DIAG::optgen_depdiag_error(__FILE__, __LINE__, words(20).c_str()).report();
   DIAGNOSTIC::pop_indent();
   DIAGNOSTIC::indent_m = 4;
   DIAGNOSTIC::pop_indent();  // empty stack
@@ -43,7 +35,7 @@ TEST_F(FormatTest, IndentAppliesToEveryLineOfAMessage) {
 
 TEST_F(FormatTest, SpPrintLineWidthsAreExactly66And69) {
   auto sp = [](const std::string& text) {
-    const sp_text formatted(
+    const std::unique_ptr<char, decltype(&std::free)> formatted(
         DIAG::optgen_depdiag_error(__FILE__, __LINE__, text.c_str()).get_sp_buffer(), &std::free);
     return std::string(formatted.get());
   };
@@ -57,35 +49,27 @@ TEST_F(FormatTest, SpPrintLineWidthsAreExactly66And69) {
             std::string(66, 'x') + next + std::string(60, 'y') + next + std::string(9, 'z'));
 }
 
-class AnnotatedSourceTest : public DiagTest {
- protected:
-  void SetUp() override {
-    DiagTest::SetUp();
-    write_file(path_, "line one\n  second line\nthird");
-    DIAGNOSTIC::verbose_m = true;
-  }
-  void report_at(const std::string& file, unsigned line, unsigned column, bool approx) {
+// Each row reports "m" at a position; the message header is "<file>", line <line>.
+TEST_F(FormatTest, QuotesExactPositionsOnlyWithACaretUnderTheColumn) {
+  TempDir dir;
+  const std::string path = dir.file("source.txt");
+  write_file(path, "line one\n  second line\nthird");
+  DIAGNOSTIC::verbose_m = true;
+  const std::tuple<std::string, unsigned, unsigned, bool, const char*> cases[] = {
+      {path, 2, 3, false, ": error: m\n  second line\n  ^\n"},
+      {path, 1, 0, false, ": error: m\nline one\n"},
+      {path, 2, 3, true, " (approximate): error: m\n"},
+      {path, 9, 1, false, ": error: m\n"},
+      {"no/such/file", 1, 1, false, ": error: m\n"},
+  };
+  for (const auto& [file, line, column, approx, after_header] : cases) {
+    const size_t before = output().size();
     DIAG_SRCINFO_DATA where(file, line, column, approx);
     DIAG::optgen_depdiag_error(__FILE__, __LINE__, "m").set_src(&where).report();
+    EXPECT_EQ(output().substr(before),
+              "\"" + file + "\", line " + std::to_string(line) + after_header)
+        << file << ":" << line;
   }
-  static std::string header(const std::string& file, unsigned line) {
-    return "\"" + file + "\", line " + std::to_string(line);
-  }
-  TempDir dir_;
-  const std::string path_ = dir_.file("source.txt");
-};
-
-TEST_F(AnnotatedSourceTest, QuotesExactPositionsOnlyWithACaretUnderTheColumn) {
-  report_at(path_, 2, 3, false);
-  report_at(path_, 1, 0, false);
-  report_at(path_, 2, 3, true);
-  report_at(path_, 9, 1, false);
-  report_at("no/such/file", 1, 1, false);
-  EXPECT_EQ(output(), header(path_, 2) + ": error: m\n  second line\n  ^\n" +  //
-                          header(path_, 1) + ": error: m\nline one\n" +        //
-                          header(path_, 2) + " (approximate): error: m\n" +    //
-                          header(path_, 9) + ": error: m\n" +                  //
-                          header("no/such/file", 1) + ": error: m\n");
 }
 
 }  // namespace

@@ -9,20 +9,7 @@ namespace {
 
 using T = option_obj_test;
 
-// The accumulating object (opts) and a further file (other).
-class Merge : public test_table_fixture {
- protected:
-  T other;
-  void SetUp() override {
-    test_table_fixture::SetUp();
-    other.source_name = "b.cmd";
-  }
-  void give(const char* text) { other.process_option(text, nullptr); }
-  std::string text_of(int id) const {
-    const char* text = opts.getstrarg(id, 0);
-    return text ? text : "";
-  }
-};
+using Merge = test_table_fixture;
 
 TEST_F(Merge, ArgumentsCompareByTypeAndAMissingOneIsLowest) {
   an_argument_t none{argument_missing, {.num = 0}, 0}, none2{argument_missing, {.num = 7}, 0};
@@ -44,37 +31,45 @@ TEST_F(Merge, ArgumentsCompareByTypeAndAMissingOneIsLowest) {
   EXPECT_FALSE(list == shorter || list > shorter || list < shorter);
 }
 
-// What the receiver holds after one merge: the arguments joined by ",", ""
-// for set without argument, or nullptr for unset.
+// The receiver's and the further file's tokens, and the receiver's options
+// after one merge (or, with init, after merge_init).
 struct merge_case {
   std::vector<const char*> receiver, further;
-  std::vector<std::pair<int, const char*>> after;
+  option_facts after;
+  bool init = false;
 };
 
 TEST_F(Merge, EachPolicyCombinesTheFurtherFileIntoTheReceiver) {
   const merge_case cases[] = {
-      {{"-alpha"}, {"-alpha"}, {{T::ALPHA, ""}}},  // and
-      {{"-alpha"}, {}, {{T::ALPHA, nullptr}}},
-      // or adds every argument and runs no conflicts
+      {{"-alpha"}, {"-alpha"}, {{T::ALPHA, 1, ""}}},  // and
+      {{"-alpha"}, {}, {{T::ALPHA, 0, ""}}},
+      // or adds every argument and runs no conflicts (hard ones would end the run)
       {{"-names=a", "-hard_a", "-over_a"},
        {"-names=b", "-names=c", "-hard_b", "-over_b"},
-       {{T::NAMES, "a,b,c"}, {T::HARD_A, ""}, {T::HARD_B, ""}, {T::OVER_A, ""}, {T::OVER_B, ""}}},
+       {{T::NAMES, 3, "a,b,c"}, {T::OVER_A, 1, ""}}},
       // max and min compare one-of words by their place in the list (red, crimson)
-      {{"-color=red"}, {"-color=crimson"}, {{T::COLOR, "crimson"}}},
-      {{"-color=crimson"}, {"-color=red"}, {{T::COLOR, "crimson"}}},
-      {{"-level=4"}, {"-level=2"}, {{T::LEVEL, "2"}}},
-      {{"-level=2"}, {"-level=6"}, {{T::LEVEL, "2"}}},
-      {{}, {"-number=3"}, {{T::NUMBER, "3"}}},
-      {{"-number=19"}, {"-number=4"}, {{T::NUMBER, "19"}}},
+      {{"-color=red"}, {"-color=crimson"}, {{T::COLOR, 2, "crimson"}}},
+      {{"-color=crimson"}, {"-color=red"}, {{T::COLOR, 1, "crimson"}}},
+      {{"-level=4"}, {"-level=2"}, {{T::LEVEL, 2, "2"}}},
+      {{"-level=2"}, {"-level=6"}, {{T::LEVEL, 1, "2"}}},
+      {{}, {"-number=3"}, {{T::NUMBER, 1, "3"}}},
+      {{"-number=19"}, {"-number=4"}, {{T::NUMBER, 1, "19"}}},
       // custom: low with high merges into high, taken only where it is the further file's
-      {{"-keep=low"}, {}, {{T::KEEP, "high"}}},
-      {{}, {"-keep=low"}, {{T::KEEP, "high"}}},
-      {{"-mode=safe"}, {"-mode=fast", "-zip=z"}, {{T::MODE, "safe"}, {T::ZIP, nullptr}}},
-      {{"-alpha_beta=x"}, {"-alpha_beta=x"}, {{T::ALPHA_BETA, "x"}}},  // exact
-      // a member of a group in the further file replaces the receiver's, in either order
-      {{"-quiet_a"}, {"-verbose"}, {{T::QUIET_A, nullptr}, {T::VERBOSE, ""}}},
-      {{"-verbose"}, {"-quiet_a"}, {{T::VERBOSE, nullptr}, {T::QUIET_A, ""}}},
-      {{"-quiet_a"}, {}, {{T::QUIET_A, ""}}},
+      {{"-keep=low"}, {}, {{T::KEEP, 3, "high"}}},
+      {{}, {"-keep=low"}, {{T::KEEP, 1, "high"}}},
+      {{"-mode=safe"}, {"-mode=fast", "-zip=z"}, {{T::MODE, 1, "safe"}, {T::ZIP, 0, ""}}},
+      {{"-alpha_beta=x"}, {"-alpha_beta=x"}, {{T::ALPHA_BETA, 1, "x"}}},  // exact
+      // a member of a group in the further file replaces the receiver's once, in
+      // either order; the same member in both runs its own policy
+      {{"-quiet_a"}, {"-verbose"}, {{T::QUIET_A, 0, ""}, {T::VERBOSE, 1, ""}}},
+      {{"-verbose"}, {"-quiet_a"}, {{T::VERBOSE, 0, ""}, {T::QUIET_A, 1, ""}}},
+      {{"-quiet_a"}, {"-quiet_a"}, {{T::QUIET_A, 2, ""}}},
+      {{"-quiet_a"}, {}, {{T::QUIET_A, 1, ""}}},
+      // init takes the first argument of the options with a policy other than none
+      {{},
+       {"-names=a", "-names=b", "-mode=fast", "-zip=z", "-trace"},
+       {{T::NAMES, 1, "a"}, {T::MODE, 1, "fast"}, {T::ZIP, 0, ""}, {T::TRACE, 0, ""}},
+       true},
   };
   for (const merge_case& c : cases) {
     SCOPED_TRACE(c.further.empty() ? c.receiver[0] : c.further[0]);
@@ -83,22 +78,18 @@ TEST_F(Merge, EachPolicyCombinesTheFurtherFileIntoTheReceiver) {
       receiver.process_option(token, nullptr);
     for (const char* token : c.further)
       further.process_option(token, nullptr);
-    receiver.merge_options(further);
+    c.init ? receiver.merge_init(further) : receiver.merge_options(further);
     EXPECT_EQ(receiver.error_count, 0);
     EXPECT_FALSE(receiver.merging);
-    for (const auto& [id, expected] : c.after) {
-      EXPECT_EQ(receiver.option_state[id] != 0, expected != nullptr) << id;
-      std::string args;
-      for (int i = 0; i < receiver.getargcount(id); ++i)
-        args += std::string(i ? "," : "") + receiver.getstrarg(id, static_cast<unsigned>(i));
-      if (expected) {
-        EXPECT_EQ(args, expected);
-      }
-    }
+    expect_facts(receiver, c.after);
   }
 }
 
+// The accumulating object (opts) and a further file (other).
 TEST_F(Merge, DifferencesAreReportedAndTheMergeGoesOn) {
+  T other;
+  other.source_name = "b.cmd";
+  const auto give = [&other](const char* text) { other.process_option(text, nullptr); };
   diag_capture capture;
   run("-alpha_beta=x");
   run("-hex=10");
@@ -110,11 +101,10 @@ TEST_F(Merge, DifferencesAreReportedAndTheMergeGoesOn) {
   give("-names=z");
   opts.merge_options(other);  // both set, different; a merge conflict
   T fresh;
-  fresh.merge_options(other);              // set in the further file only
-  EXPECT_EQ(text_of(T::ALPHA_BETA), "x");  // exact never changes the receiver
-  EXPECT_EQ(text_of(T::NAMES), "z");
-  EXPECT_EQ(opts.option_state[T::TRACE], 0);  // no policy: not taken over
-  opts.setarg(T::KEEP, 99L);                  // a value no pair names
+  fresh.merge_options(other);  // set in the further file only
+  // exact never changes the receiver; an option without policy is not taken over
+  expect_facts(opts, {{T::ALPHA_BETA, 1, "x"}, {T::NAMES, 1, "z"}, {T::TRACE, 0, ""}});
+  opts.setarg(T::KEEP, 99L);  // a value no pair names
   give("-keep=low");
   opts.merge_options(other);
   const std::string text = capture.text();
@@ -130,17 +120,6 @@ TEST_F(Merge, DifferencesAreReportedAndTheMergeGoesOn) {
     EXPECT_TRUE(contains(text, report)) << report;
   EXPECT_EQ(opts.error_count, 1 + 3 + 4);  // the last merge reports the three again
   EXPECT_EQ(fresh.error_count, 1);
-}
-
-TEST_F(Merge, InitTakesTheFirstArgumentOfOptionsWithAPolicyOtherThanNone) {
-  for (const char* token : {"-names=a", "-names=b", "-mode=fast", "-zip=z", "-trace"})
-    give(token);
-  opts.merge_init(other);
-  EXPECT_EQ(opts.getargcount(T::NAMES), 1);
-  EXPECT_EQ(text_of(T::NAMES), "a");
-  EXPECT_EQ(text_of(T::MODE), "fast");
-  EXPECT_EQ(opts.option_state[T::ZIP] + opts.option_state[T::TRACE], 0);
-  EXPECT_FALSE(opts.merging);
 }
 
 }  // namespace

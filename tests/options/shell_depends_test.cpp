@@ -7,11 +7,6 @@
 
 namespace {
 
-using ::testing::AllOf;
-using ::testing::ExitedWithCode;
-using ::testing::HasSubstr;
-using ::testing::Not;
-
 // Tokens of a command file, what the pass prints, and settings afterwards:
 // the option's word, "" for set (with any word) or nullptr for unset.
 struct depends_case {
@@ -21,13 +16,7 @@ struct depends_case {
 };
 
 using S = option_obj_shell;
-
-// A fresh shell object with its defaults, fed one token at a time.
-class ShellDepends : public options_fixture {
- protected:
-  S opts{true};
-  int run(const char* text) { return opts.process_option(text, nullptr); }
-};
+using ShellDepends = options_fixture;
 
 TEST_F(ShellDepends, DerivedSettingsAndWarningRules) {
   const depends_case cases[] = {
@@ -39,7 +28,6 @@ TEST_F(ShellDepends, DerivedSettingsAndWarningRules) {
         {S::OPT_LEVEL, "off"},
         {S::FLOAT_SUPPORT, "softlib"},
         {S::SILICON_ERRATA_ZFPA1_WORKAROUND, "on"},
-        {S::SIZE_SPEED_GOAL, "low_risk_size"},
         {S::BUFFER_DIAGNOSTICS, ""},
         {S::C89, ""},
         {S::SYMDEBUG__DWARF, ""},
@@ -60,6 +48,10 @@ TEST_F(ShellDepends, DerivedSettingsAndWarningRules) {
        {{S::FLOAT_SUPPORT, "zfpa32"}, {S::SILICON_ERRATA_ZFPA1_WORKAROUND, "off"}}},
       {{"-zvec_support=zcrc"}, "", {{S::SILICON_ERRATA_ZFPA1_WORKAROUND, "off"}}},
       {{"-zvec_support"}, "", {{S::SILICON_ERRATA_ZFPA1_WORKAROUND, "on"}}},
+      {{"GW", "MS"},  // a quiet spelling may be written in any case
+       "warning: Case insensitivity of options has been deprecated; GW must be written as gw in "
+       "future releases\n",
+       {{S::SYMDEBUG__DWARF, ""}, {S::OPT_FOR_SPACE, ""}}},
       {{"-plr=prog.pl", "ps", "-c99", "pm"},
        "",
        {{S::C89, nullptr}, {S::RELAXED_ANSI, nullptr}, {S::C_SRC_INTERLIST, ""}}},
@@ -104,11 +96,12 @@ TEST_F(ShellDepends, DerivedSettingsAndWarningRules) {
 }
 
 TEST_F(ShellDepends, SmallDataModelStopsBeforeTheRules) {
-  run("-mem_model:data=small");
-  run("-optimizer_comments");
-  EXPECT_EXIT(opts.post_process_option_depends(), ExitedWithCode(1),
-              AllOf(HasSubstr("Small memory model is no longer supported"),
-                    Not(HasSubstr("optimizer_comments"))));
+  S opts(true);
+  opts.process_option("-mem_model:data=small", nullptr);
+  opts.process_option("-optimizer_comments", nullptr);
+  EXPECT_EXIT(opts.post_process_option_depends(), ::testing::ExitedWithCode(1),
+              ::testing::AllOf(::testing::HasSubstr("Small memory model is no longer supported"),
+                               ::testing::Not(::testing::HasSubstr("optimizer_comments"))));
 }
 
 }  // namespace

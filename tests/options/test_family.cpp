@@ -1,9 +1,5 @@
 #include "test_family.h"
 
-#include <deque>
-
-#include "DIAG/diag.h"
-
 #define OO_TABLE_INC "options/engine_test.inc"
 #define OO_FAMILY option_obj_test
 #define OO_OPEN_CMD_FILE nullptr
@@ -14,17 +10,14 @@ option_obj_test::option_obj_test(bool with_defaults) : option_engine(table_data)
   if (with_defaults) set_defaults();
 }
 
-namespace {
-std::deque<const char*> tokens;
-}
-
-void script_tokens(std::vector<const char*> list) {
-  tokens.assign(list.begin(), list.end());
-}
-
-const char* scripted_next_arg() {
-  if (tokens.empty()) return nullptr;
-  const char* token = tokens.front();
-  tokens.pop_front();
-  return token;
+void expect_facts(const option_engine& options, const option_facts& facts) {
+  for (const auto& [id, state, args] : facts) {
+    EXPECT_EQ(options.option_state[id], state) << "option " << id;
+    std::string joined;
+    for (int i = 0; i < options.getargcount(id); ++i)
+      joined += std::string(i ? "," : "") + options.getstrarg(id, static_cast<unsigned>(i));
+    if (args) {
+      EXPECT_EQ(joined, args) << "option " << id;
+    }
+  }
 }

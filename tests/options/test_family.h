@@ -1,8 +1,9 @@
 #pragma once
 // option_obj_test: the engine bound to the synthetic table engine_test.opt,
-// and a scripted argument stream for the scanner.
+// with fixtures and checks for the tests on it.
 #include <cstdio>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -21,9 +22,10 @@ class option_obj_test : public option_engine {
 
 #undef OO_TABLE_INC
 
-// The tokens that next_arg hands out, in order; empty means end of stream.
-void script_tokens(std::vector<const char*> tokens);
-const char* scripted_next_arg();
+// Per option: its expected state, then its arguments joined by "," ("" for
+// none; nullptr leaves them unchecked).
+using option_facts = std::vector<std::tuple<int, int, const char*>>;
+void expect_facts(const option_engine& options, const option_facts& facts);
 
 // Collects what diagnostics print while it lives (through DIAGNOSTIC::fp_m).
 class diag_capture : public captured_stream {
@@ -35,16 +37,12 @@ class diag_capture : public captured_stream {
   FILE* saved_;
 };
 
-// Resets the class-wide switches that the engine reads or changes.
+// Resets the class-wide switches that the tests change or the engine reads.
 class options_fixture : public ::testing::Test {
  protected:
   void SetUp() override {
-    script_tokens({});
-    option_obj_test::next_arg = scripted_next_arg;
-    option_obj_test::executable_name = "<toolname>";
     DIAGNOSTIC::error_count_m = 0;
     DIAGNOSTIC::wrap_enabled_m = false;  // one line per message keeps the checks simple
-    DIAGNOSTIC::advice_m = false;
     DIAGNOSTIC::remarks_m = false;
   }
 };
