@@ -7,41 +7,12 @@
 #include <cstdint>
 #include <cstring>
 #include <functional>
-#include <regex>
 #include <string>
-
-#include "capture.h"
 
 namespace {
 
 // The largest pointer value the handlers take for a small integer.
 const char* const not_a_text = reinterpret_cast<const char*>(100000);
-
-void tool_handler(int sig);
-
-std::string support_message() {
-  return capture_output(stderr, print_support_message);
-}
-
-TEST(FatalError, SupportMessageNamesTheToolAndHandlersAreInstalled) {
-  EXPECT_TRUE(std::regex_match(
-      support_message(),
-      std::regex("This is caused by a defect in the Orvane Advice and Performance "
-                 "results utility\\.\n"
-                 "Orvane Customer Support may be able to suggest a workaround to avoid "
-                 "this\\.\n\n"
-                 "Upgrading to the newest version of the compiler may fix this problem\\.\n\n"
-                 "Contact Orvane on the Forumline support forums at https://[^ \n]+\n\n"
-                 "We need to see this ENTIRE error message and a complete, reproducible\n"
-                 "test case including ALL of the command-line options\\.\n\n")))
-      << support_message();
-  struct sigaction saved, now;
-  sigaction(SIGSEGV, nullptr, &saved);
-  install_common_handlers(tool_handler, nullptr);
-  sigaction(SIGSEGV, nullptr, &now);
-  EXPECT_EQ(now.sa_handler, tool_handler);
-  sigaction(SIGSEGV, &saved, nullptr);
-}
 
 void report_callback(int sig) {
   fprintf(stderr, "callback %d\n", sig);
@@ -52,13 +23,20 @@ void tool_handler(int sig) {
   common_signal_handler(sig, "tool", "while %s", "testing");
 }
 
-// A second fatal signal during the report: the callback raises another.
+TEST(FatalError, HandlersAreInstalled) {
+  struct sigaction saved, now;
+  sigaction(SIGSEGV, nullptr, &saved);
+  install_common_handlers(tool_handler, nullptr);
+  sigaction(SIGSEGV, nullptr, &now);
+  EXPECT_EQ(now.sa_handler, tool_handler);
+  sigaction(SIGSEGV, &saved, nullptr);
+}
+
+// A second fatal signal during the report: the callback raises another, which
+// runs no callback.
 void reenter_once(int) {
-  static bool reentered = false;
-  if (!reentered) {
-    reentered = true;
-    common_signal_handler(SIGFPE, "again", nullptr);
-  }
+  install_common_handlers(SIG_DFL, nullptr);
+  common_signal_handler(SIGFPE, "again", nullptr);
 }
 
 // Installs the callback, then reports sig, as a tool's handler would.
@@ -70,7 +48,14 @@ template <typename... Args>
 }
 
 TEST(FatalErrorDeathTest, EachSignalIsReportedOnceAndEndsWithStatusTwo) {
-  const std::string blanks(18, ' '), support = support_message();
+  const std::string blanks(18, ' ');
+  const std::string support =
+      "This is caused by a defect in the Orvane Advice and Performance results utility.\n"
+      "Orvane Customer Support may be able to suggest a workaround to avoid this.\n\n"
+      "Upgrading to the newest version of the compiler may fix this problem.\n\n"
+      "Contact Orvane on the Forumline support forums at https://forumline.orvane.example/support"
+      "\n\nWe need to see this ENTIRE error message and a complete, reproducible\n"
+      "test case including ALL of the command-line options.\n\n";
   const std::string fpe = "\nINTERNAL ERROR: unknown received a floating point exception\n\n";
   const std::pair<std::function<void()>, testing::Matcher<const std::string&>> cases[] = {
       // exit signals print one line and run no callback
