@@ -14,7 +14,6 @@ namespace {
 
 TEST(Version, ComposedTexts) {
   const std::pair<const char* (*)(), const char*> texts[] = {
-      {version_full, "v25.11.0.LTS"},
       {isa_tool_and_version_short, "ZORVEX Advice and Performance results utility Unix v25.11.0"},
       {isa_tool_and_version_full,
        "ZORVEX Advice and Performance results utility Unix v25.11.0.LTS"},
