@@ -13,12 +13,6 @@ namespace {
 const char* const plain = "ADVZORV_UTIL_TEST_VAR";
 const char* const prefixed = "Zorv_ADVZORV_UTIL_TEST_VAR";
 
-std::string take(char* text) {
-  const std::string copy = text ? text : "<null>";
-  delete[] text;
-  return copy;
-}
-
 TEST(EnvVar, PathsAreTrimmedAndWarnedAboutWhenBlankSeparatedAndNamingNoFile) {
   ScopedEnv no_plain(plain, nullptr), no_prefixed(prefixed, nullptr);
   std::vector<std::string> seen;
@@ -32,13 +26,15 @@ TEST(EnvVar, PathsAreTrimmedAndWarnedAboutWhenBlankSeparatedAndNamingNoFile) {
   extract_paths(plain, collect);
   EXPECT_EQ(seen, (std::vector<std::string>{"/a dir/x", "/b"}));
 
-  // The prefixed name comes first; only a value with blanks inside and no ";"
-  // that names no file is warned about.
   auto warning = [](const std::string& value) {
     setenv(prefixed, value.c_str(), 1);
     char *name = reinterpret_cast<char*>(1), *trimmed = name;
     const int result = gen_envvar_warning(plain, &name, &trimmed);
-    return std::to_string(result) + " " + take(name) + " " + take(trimmed);
+    const std::string text = std::to_string(result) + " " + (name ? name : "<null>") + " " +
+                             (trimmed ? trimmed : "<null>");
+    delete[] name;
+    delete[] trimmed;
+    return text;
   };
   TempDir tmp;
   const std::string missing = tmp.file("no such dir  /other");

@@ -10,7 +10,6 @@
 
 namespace {
 
-// Each test works with a manager of its own on files in a fresh directory.
 class FileHandles : public testing::Test {
  protected:
   TempDir tmp;

@@ -86,8 +86,6 @@ TEST(FileNames, SplittingAndExtensionsFollowTheLastSlashAndDot) {
     EXPECT_EQ(fn_starts_with_dot_dot(plain), 0);
 }
 
-// Listing, existence, size, identity, renaming (within and across file
-// systems), deletion and the working directory.
 TEST(FileNames, FilesOnDisk) {
   TempDir tmp;
   const std::string a = tmp.file("a"), b = tmp.file("b"), link = tmp.file("link"),
@@ -135,21 +133,6 @@ TEST(FileNames, FilesOnDisk) {
   fn_change_dir(before);
   free(before);
 
-  struct stat here_stat, shm_stat;
-  TempDir shm("/dev/shm");
-  if (shm.path().empty() || stat(tmp.path().c_str(), &here_stat) != 0 ||
-      stat(shm.path().c_str(), &shm_stat) != 0 || here_stat.st_dev == shm_stat.st_dev)
-    GTEST_SKIP() << "no second file system for a temporary directory";
-  const std::string big(20000, 'q');  // more than one copy buffer
-  write_file(a, big);
-  const std::string across = shm.file("moved");
-  EXPECT_EQ(fn_rename(a.c_str(), across.c_str()), 1);
-  EXPECT_EQ(read_file(across), big);
-  EXPECT_TRUE(fn_exists(a.c_str()));
-}
-
-TEST(FileNames, TemporaryNamesCarryTheProcessPrefix) {
-  TempDir tmp;
   ScopedEnv no_tmpdir("TMPDIR", nullptr);
   char* made = fn_tmpnam(nullptr, "ignored", tmp.path().c_str());
   const std::string name = made;
@@ -171,8 +154,20 @@ TEST(FileNames, TemporaryNamesCarryTheProcessPrefix) {
   TempDir env_dir;
   ScopedEnv tmpdir("TMPDIR", env_dir.path().c_str());
   EXPECT_EQ(std::string(fn_tmpnam(dest, nullptr, tmp.path().c_str())).rfind(env_dir.path(), 0), 0u);
-  ScopedEnv missing_tmpdir("TMPDIR", tmp.file("missing").c_str());
+  ScopedEnv missing_tmpdir("TMPDIR", missing.c_str());
   EXPECT_EQ(std::string(fn_tmpnam(dest, nullptr, tmp.path().c_str())).rfind(tmp.path(), 0), 0u);
+
+  struct stat here_stat, shm_stat;
+  TempDir shm("/dev/shm");
+  if (shm.path().empty() || stat(tmp.path().c_str(), &here_stat) != 0 ||
+      stat(shm.path().c_str(), &shm_stat) != 0 || here_stat.st_dev == shm_stat.st_dev)
+    GTEST_SKIP() << "no second file system for a temporary directory";
+  const std::string big(20000, 'q');  // more than one copy buffer
+  write_file(a, big);
+  const std::string across = shm.file("moved");
+  EXPECT_EQ(fn_rename(a.c_str(), across.c_str()), 1);
+  EXPECT_EQ(read_file(across), big);
+  EXPECT_TRUE(fn_exists(a.c_str()));
 }
 
 // Leaves the process no memory for even a small allocation.
@@ -195,13 +190,8 @@ TEST(FileNamesDeathTest, TemporaryNameWithoutMemoryEndsTheProcess) {
 #if defined(__SANITIZE_ADDRESS__)
   GTEST_SKIP() << "the address sanitizer needs more address space than the test leaves";
 #endif
-  TempDir tmp;
-  EXPECT_EXIT(
-      {
-        exhaust_memory();
-        fn_tmpnam(nullptr, nullptr, tmp.path().c_str());
-      },
-      testing::ExitedWithCode(1), "^ERROR: cannot create temporary file name; out of memory\n$");
+  EXPECT_EXIT((exhaust_memory(), fn_tmpnam(nullptr, nullptr, nullptr)), testing::ExitedWithCode(1),
+              "^ERROR: cannot create temporary file name; out of memory\n$");
 }
 
 }  // namespace

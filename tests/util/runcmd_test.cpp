@@ -99,9 +99,7 @@ TEST_F(RunCommand, TheChildsEndIsTheResultAndTheSearchPathIsTriedFirst) {
   }
 }
 
-// Long lines go through a command file, quoted, whose option and name must fit
-// one argument of 4095 characters. The file is removed below echo level 2; level
-// 2 runs nothing and adds no time; level 1 and the dumps show what is done.
+// The command file's option and name must fit one argument of 4095 characters.
 TEST_F(RunCommand, LongLinesGoThroughAQuotedCommandFile) {
   // Short lines, and any line of a tool without a command-file option, go unquoted.
   EXPECT_EQ(run(recorder, line_of(false), "-@"), 0);
