@@ -29,7 +29,6 @@ TEST(Fnextopt, Tokenizes) {
     std::string content;
     words expected;
   } cases[] = {
-      {"", {}},
       {" \t\r\n ; comment\n# another\n /* block\n */ \n", {}},
       {"--opt_level=2 -g\r\n\r\n--quiet\tlast", {"--opt_level=2", "-g", "--quiet", "last"}},
       // Quoted parts join the word and keep blanks, ";", "#" and "/*".

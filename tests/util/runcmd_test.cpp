@@ -37,20 +37,16 @@ class RunCommand : public testing::Test {
   void SetUp() override {
     // Writes each argument on a line of "seen" and copies a command file named by
     // the first to "cmdfile".
-    make_script(recorder, "printf '%s\\n' \"$@\" > '" + tmp.file("seen") +
-                              "'\ncase \"$1\" in -@*) cat \"${1#-@}\" > '" + tmp.file("cmdfile") +
-                              "';; esac\n");
+    write_file(recorder, "#!/bin/sh\nprintf '%s\\n' \"$@\" > '" + tmp.file("seen") +
+                             "'\ncase \"$1\" in -@*) cat \"${1#-@}\" > '" + tmp.file("cmdfile") +
+                             "';; esac\n");
+    chmod(recorder.c_str(), 0755);
   }
   void TearDown() override {
     enable_command_files();
     dump_command_files(0);
     dump_command_args(0);
     add_run_search_path(nullptr);
-  }
-
-  static void make_script(const std::string& path, const std::string& body) {
-    write_file(path, "#!/bin/sh\n" + body);
-    chmod(path.c_str(), 0755);
   }
 
   std::string seen() const { return read_file(tmp.file("seen")); }
@@ -76,15 +72,13 @@ TEST_F(RunCommand, TheChildsEndIsTheResultAndTheSearchPathIsTriedFirst) {
   EXPECT_EXIT(run("/bin/sh", {"-c", "kill -TERM $$"}, nullptr, 0, true),
               testing::KilledBySignal(SIGTERM), "abnormal termination of /bin/sh");
 
-  TempDir bin;
-  make_script(bin.file("tool"), "exit 7\n");
-  write_file(bin.file("true"), "not a program\n");
-  std::string dir = bin.path();
-  add_run_search_path(dir.data());
-  EXPECT_EQ(run("tool", {}), 7);
+  set_execution_path_to_search_path(recorder.data());
+  EXPECT_EQ(run("recorder", {"x"}), 0);
+  EXPECT_EQ(seen(), "x\n");
   // A candidate that can't be executed leaves the plain name for PATH.
+  write_file(tmp.file("true"), "not a program\n");
   std::string out = capture_output(stdout, [] { EXPECT_EQ(run("true", {}, nullptr, 1), 0); });
-  EXPECT_EQ(out, "-- Cannot execute '" + dir + "/true'\n");
+  EXPECT_EQ(out, "-- Cannot execute '" + tmp.path() + "/true'\n");
   EXPECT_EQ(run("sh", {"-c", "exit 2"}, nullptr, 1), 2);
 
   const std::vector<std::pair<std::string, std::string>> cases = {

@@ -10,38 +10,32 @@
 
 namespace {
 
-using entries = std::vector<std::pair<const char*, int>>;  // key and priority
+using entries = std::vector<std::pair<const char*, std::string>>;  // key and text
 
-// Queues each key with a lower-case text naming it and prints the listing.
 std::string listing(int width, sort_method sort, const entries& queued, int columnation = 1) {
   init_queue("T", width, sort);
-  for (const auto& [key, priority] : queued)
-    queueup(key, (std::string("text of ") + key).c_str(), priority);
+  for (const auto& [key, text] : queued)
+    queueup(key, text.c_str(), 0);
   return capture_output(stdout, [&] { EXPECT_EQ(print_queue(columnation, sort_by_key, 0), 1); });
 }
 
 TEST(TextQueue, SortOrdersAndColumns) {
   // By key, leading dashes skipped; equal keys keep their order. Method 0 sorts
-  // by key too.
+  // by key too. Texts begin in upper case.
   for (sort_method method : {sort_by_key, static_cast<sort_method>(0)})
-    EXPECT_EQ(listing(3, method, {{"--b", 0}, {"-c", 0}, {"-a", 0}, {"--a", 0}}),
-              "T\n  -a  Text of -a\n  --a Text of --a\n  --b Text of --b\n  -c  Text of -c\n");
-
+    EXPECT_EQ(listing(3, method, {{"--b", "b"}, {"-c", "c"}, {"-a", "a"}, {"--a", "a"}}),
+              "T\n  -a  A\n  --a A\n  --b B\n  -c  C\n");
   // A single entry falls back to one column.
-  EXPECT_EQ(listing(4, sort_as_added, {{"-a", 0}}, 2), "T\n  -a   Text of -a\n");
+  EXPECT_EQ(listing(4, sort_as_added, {{"-a", "a"}}, 2), "T\n  -a   A\n");
 
   // Entries fit while text + width + 2 <= 37 and fill two rows, left column first,
-  // in the order added; the wide one follows on a line of its own.
+  // in the order added; the wide one follows on a line of its own. The sign of the
+  // width is ignored.
   const std::string fits = "t" + std::string(30, 'o'), wide = "w" + std::string(31, 'i');
-  init_queue("T", -4, sort_as_added);  // the sign of the width is ignored
-  queueup("-b", "one", 0);
-  queueup("-w", wide.c_str(), 0);
-  queueup("-a", fits.c_str(), 0);
-  queueup("-c", "three", 0);
-  EXPECT_EQ(capture_output(stdout, [] { print_queue(2, sort_by_key, 0); }),
-            "T\n  -b   One" + std::string(28, ' ') + "  -c   Three\n  -a   T" +
-                std::string(30, 'o') + "\n  -w   W" + std::string(31, 'i') + std::string(40, ' ') +
-                "\n");
+  EXPECT_EQ(
+      listing(-4, sort_as_added, {{"-b", "one"}, {"-w", wide}, {"-a", fits}, {"-c", "three"}}, 2),
+      "T\n  -b   One" + std::string(28, ' ') + "  -c   Three\n  -a   T" + std::string(30, 'o') +
+          "\n  -w   W" + std::string(31, 'i') + std::string(40, ' ') + "\n");
 }
 
 std::string filled(const std::string& text, const std::string& padding) {
