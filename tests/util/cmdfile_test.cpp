@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <string>
 #include <vector>
@@ -10,11 +11,9 @@ namespace {
 
 using words = std::vector<std::string>;
 
-// Every word fnextopt gives for content, up to its first null.
-words tokens(const std::string& content) {
-  FILE* stream = tmpfile();
-  fputs(content.c_str(), stream);
-  rewind(stream);
+// Every word fnextopt gives for content.
+words tokens(std::string content) {
+  FILE* stream = fmemopen(content.data(), content.size(), "r");
   words result;
   while (char* word = fnextopt(stream)) {
     result.emplace_back(word);
