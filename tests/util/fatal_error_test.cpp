@@ -42,7 +42,6 @@ template <typename... Args>
 }
 
 TEST(FatalErrorDeathTest, EachSignalIsReportedOnceAndEndsWithStatusTwo) {
-  const std::string blanks(18, ' ');
   const std::string support =
       "This is caused by a defect in the Orvane Advice and Performance results utility.\n"
       "Orvane Customer Support may be able to suggest a workaround to avoid this.\n\n"
@@ -57,8 +56,8 @@ TEST(FatalErrorDeathTest, EachSignalIsReportedOnceAndEndsWithStatusTwo) {
       {[] { handle(report_callback, SIGTERM, not_a_text, nullptr); },
        "[unknown received a terminate signal]\n"},
       {[] { handle(report_callback, SIGSEGV, "tool", "at step %d", 42); },
-       "\nINTERNAL ERROR: tool experienced a segmentation fault\n" + blanks + "at step 42\n\n" +
-           support + "callback 11\n"},
+       "\nINTERNAL ERROR: tool experienced a segmentation fault\n" + std::string(18, ' ') +
+           "at step 42\n\n" + support + "callback 11\n"},
       // a null or empty format prints no text line
       {[] { handle(nullptr, SIGFPE, not_a_text, nullptr); }, fpe + support},
       {[] { handle(nullptr, SIGFPE, not_a_text, ""); }, fpe + support},
