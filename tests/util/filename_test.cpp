@@ -80,10 +80,8 @@ TEST(FileNames, SplittingAndExtensionsFollowTheLastSlashAndDot) {
   EXPECT_EQ(fn_has_full_path(""), 0);
   EXPECT_EQ(fn_has_relative_path(""), 1);
   EXPECT_EQ(fn_has_relative_path("/usr"), 0);
-  for (const char* dotted : {"./x", "../x"})
-    EXPECT_EQ(fn_starts_with_dot_dot(dotted), 1);
-  for (const char* plain : {"..x", ".x"})
-    EXPECT_EQ(fn_starts_with_dot_dot(plain), 0);
+  for (auto [name, dotted] : {std::pair{"./x", 1}, {"../x", 1}, {"..x", 0}, {".x", 0}})
+    EXPECT_EQ(fn_starts_with_dot_dot(name), dotted) << name;
 }
 
 TEST(FileNames, FilesOnDisk) {
