@@ -19,10 +19,9 @@ class captured_stream {
   // Everything written so far; later writes are appended.
   std::string text() const {
     std::fflush(file_);
+    std::string out(static_cast<size_t>(std::ftell(file_)), '\0');
     std::rewind(file_);
-    std::string out;
-    for (int c; (c = std::getc(file_)) != EOF;)
-      out += static_cast<char>(c);
+    out.resize(std::fread(out.data(), 1, out.size(), file_));
     std::fseek(file_, 0, SEEK_END);
     return out;
   }

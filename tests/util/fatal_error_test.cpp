@@ -7,58 +7,30 @@
 #include <cstdint>
 #include <cstring>
 #include <functional>
-#include <regex>
 #include <string>
-
-#include "capture.h"
 
 namespace {
 
 // The largest pointer value the handlers take for a small integer.
 const char* const not_a_text = reinterpret_cast<const char*>(100000);
 
-void tool_handler(int sig);
-
-std::string support_message() {
-  return capture_output(stderr, print_support_message);
-}
-
-TEST(FatalError, SupportMessageNamesTheToolAndHandlersAreInstalled) {
-  EXPECT_TRUE(std::regex_match(
-      support_message(),
-      std::regex("This is caused by a defect in the Orvane Advice and Performance "
-                 "results utility\\.\n"
-                 "Orvane Customer Support may be able to suggest a workaround to avoid "
-                 "this\\.\n\n"
-                 "Upgrading to the newest version of the compiler may fix this problem\\.\n\n"
-                 "Contact Orvane on the Forumline support forums at https://[^ \n]+\n\n"
-                 "We need to see this ENTIRE error message and a complete, reproducible\n"
-                 "test case including ALL of the command-line options\\.\n\n")))
-      << support_message();
-  struct sigaction saved, now;
-  sigaction(SIGSEGV, nullptr, &saved);
-  install_common_handlers(tool_handler, nullptr);
-  sigaction(SIGSEGV, nullptr, &now);
-  EXPECT_EQ(now.sa_handler, tool_handler);
-  sigaction(SIGSEGV, &saved, nullptr);
-}
-
 void report_callback(int sig) {
   fprintf(stderr, "callback %d\n", sig);
 }
 
-// A tool's own handler: reports in its name.
-void tool_handler(int sig) {
-  common_signal_handler(sig, "tool", "while %s", "testing");
+TEST(FatalError, HandlersAreInstalled) {
+  struct sigaction now;
+  install_common_handlers(report_callback, nullptr);
+  sigaction(SIGSEGV, nullptr, &now);
+  install_common_handlers(SIG_DFL, nullptr);
+  EXPECT_EQ(now.sa_handler, report_callback);
 }
 
-// A second fatal signal during the report: the callback raises another.
+// A second fatal signal during the report: the callback raises another, which
+// runs no callback.
 void reenter_once(int) {
-  static bool reentered = false;
-  if (!reentered) {
-    reentered = true;
-    common_signal_handler(SIGFPE, "again", nullptr);
-  }
+  install_common_handlers(SIG_DFL, nullptr);
+  common_signal_handler(SIGFPE, "again", nullptr);
 }
 
 // Installs the callback, then reports sig, as a tool's handler would.
@@ -70,7 +42,13 @@ template <typename... Args>
 }
 
 TEST(FatalErrorDeathTest, EachSignalIsReportedOnceAndEndsWithStatusTwo) {
-  const std::string blanks(18, ' '), support = support_message();
+  const std::string support =
+      "This is caused by a defect in the Orvane Advice and Performance results utility.\n"
+      "Orvane Customer Support may be able to suggest a workaround to avoid this.\n\n"
+      "Upgrading to the newest version of the compiler may fix this problem.\n\n"
+      "Contact Orvane on the Forumline support forums at https://forumline.orvane.example/support"
+      "\n\nWe need to see this ENTIRE error message and a complete, reproducible\n"
+      "test case including ALL of the command-line options.\n\n";
   const std::string fpe = "\nINTERNAL ERROR: unknown received a floating point exception\n\n";
   const std::pair<std::function<void()>, testing::Matcher<const std::string&>> cases[] = {
       // exit signals print one line and run no callback
@@ -78,17 +56,11 @@ TEST(FatalErrorDeathTest, EachSignalIsReportedOnceAndEndsWithStatusTwo) {
       {[] { handle(report_callback, SIGTERM, not_a_text, nullptr); },
        "[unknown received a terminate signal]\n"},
       {[] { handle(report_callback, SIGSEGV, "tool", "at step %d", 42); },
-       "\nINTERNAL ERROR: tool experienced a segmentation fault\n" + blanks + "at step 42\n\n" +
-           support + "callback 11\n"},
+       "\nINTERNAL ERROR: tool experienced a segmentation fault\n" + std::string(18, ' ') +
+           "at step 42\n\n" + support + "callback 11\n"},
       // a null or empty format prints no text line
       {[] { handle(nullptr, SIGFPE, not_a_text, nullptr); }, fpe + support},
       {[] { handle(nullptr, SIGFPE, not_a_text, ""); }, fpe + support},
-      {[] {
-         install_common_handlers(tool_handler, report_callback);
-         raise(SIGBUS);
-       },
-       "\nINTERNAL ERROR: tool experienced a bus alignment fault\n" + blanks + "while testing\n\n" +
-           support + "callback 7\n"},
       // later signals keep the first reason
       {[] { handle(reenter_once, SIGABRT, "tool", nullptr); },
        testing::ContainsRegex("INTERNAL ERROR: again had an internal inconsistency and aborted\n")},
@@ -106,16 +78,14 @@ TEST(FatalError, SigstrnappendAppendsWhatFits) {
   char full[4] = {'a', 'b', 'c', 'd'};  // a full buffer gets only its final zero
   sigstrnappend(full, sizeof full, "%s", "more");
   EXPECT_EQ(std::string(full, sizeof full), std::string("abc\0", 4));
-  char large[4000] = "";  // the formatted text is cut at 2047 characters
+  char large[5000] = "";  // the formatted text is cut at 2047 characters
   sigstrnappend(large, sizeof large, "%s", std::string(3000, 'y').c_str());
   EXPECT_EQ(strlen(large), 2047u);
   // An invalid buffer is neither touched nor formatted for, so an invalid
   // format appends the text before it again.
-  char kept[16] = "";
-  sigstrnappend(kept, sizeof kept, "%s", "kept");
   sigstrnappend(const_cast<char*>(not_a_text), 10, "%s", "lost");
-  sigstrnappend(kept, sizeof kept, not_a_text);
-  EXPECT_STREQ(kept, "keptkept");
+  sigstrnappend(large, sizeof large, not_a_text);
+  EXPECT_EQ(std::string(large), std::string(2 * 2047, 'y'));
 }
 
 TEST(SafeMallocDeathTest, ExhaustionEndsTheProcess) {

@@ -10,50 +10,32 @@
 
 namespace {
 
-using entries = std::vector<std::pair<const char*, int>>;  // key and priority
+using entries = std::vector<std::pair<const char*, std::string>>;  // key and text
 
-// Queues each key with a lower-case text naming it and prints the listing.
-std::string listing(int width, sort_method sort, const entries& queued, int columnation = 1,
-                    sort_method flags = sort_by_key, int extra_indent = 0) {
+std::string listing(int width, sort_method sort, const entries& queued, int columnation = 1) {
   init_queue("T", width, sort);
-  for (const auto& [key, priority] : queued)
-    queueup(key, (std::string("text of ") + key).c_str(), priority);
-  return capture_output(stdout,
-                        [&] { EXPECT_EQ(print_queue(columnation, flags, extra_indent), 1); });
-}
-
-std::string blanks(int count) {
-  return std::string(count, ' ');
+  for (const auto& [key, text] : queued)
+    queueup(key, text.c_str(), 0);
+  return capture_output(stdout, [&] { EXPECT_EQ(print_queue(columnation, sort_by_key, 0), 1); });
 }
 
 TEST(TextQueue, SortOrdersAndColumns) {
   // By key, leading dashes skipped; equal keys keep their order. Method 0 sorts
-  // by key too.
+  // by key too. Texts begin in upper case.
   for (sort_method method : {sort_by_key, static_cast<sort_method>(0)})
-    EXPECT_EQ(listing(3, method, {{"--b", 0}, {"-c", 0}, {"-a", 0}, {"--a", 0}}),
-              "T\n  -a  Text of -a\n  --a Text of --a\n  --b Text of --b\n  -c  Text of -c\n");
-  EXPECT_EQ(listing(2, sort_as_added, {{"-z", 0}, {"-a", 9}}),
-            "T\n  -z Text of -z\n  -a Text of -a\n");
-  const entries by_priority = {{"-b", 500}, {"-z", 700}, {"-a", 500},
-                               {"-m", 600}, {"-c", 100}, {"-y", 700}};
-  EXPECT_EQ(listing(2, sort_by_priority, by_priority),
-            "T\n  -y Text of -y\n  -z Text of -z\n  -m Text of -m\n"
-            "  -a Text of -a\n  -b Text of -b\n  -c Text of -c\n");
-
+    EXPECT_EQ(listing(3, method, {{"--b", "b"}, {"-c", "c"}, {"-a", "a"}, {"--a", "a"}}),
+              "T\n  -a  A\n  --a A\n  --b B\n  -c  C\n");
   // A single entry falls back to one column.
-  EXPECT_EQ(listing(4, sort_as_added, {{"-a", 0}}, 2), "T\n  -a   Text of -a\n");
+  EXPECT_EQ(listing(4, sort_as_added, {{"-a", "a"}}, 2), "T\n  -a   A\n");
 
-  // Entries fit while text + width + 2 <= 37. Three fitting entries make two rows
-  // filled left column first; the wide one follows on a line of its own.
+  // Entries fit while text + width + 2 <= 37 and fill two rows, left column first,
+  // in the order added; the wide one follows on a line of its own. The sign of the
+  // width is ignored.
   const std::string fits = "t" + std::string(30, 'o'), wide = "w" + std::string(31, 'i');
-  init_queue("T", -4, sort_as_added);  // the sign of the width is ignored
-  queueup("-a", "one", 0);
-  queueup("-w", wide.c_str(), 0);
-  queueup("-b", fits.c_str(), 0);
-  queueup("-c", "three", 0);
-  EXPECT_EQ(capture_output(stdout, [] { print_queue(2, sort_by_key, 0); }),
-            "T\n  -a   One" + blanks(28) + "  -c   Three\n  -b   T" + std::string(30, 'o') +
-                "\n  -w   W" + std::string(31, 'i') + blanks(72 - 32) + "\n");
+  EXPECT_EQ(
+      listing(-4, sort_as_added, {{"-b", "one"}, {"-w", wide}, {"-a", fits}, {"-c", "three"}}, 2),
+      "T\n  -b   One" + std::string(28, ' ') + "  -c   Three\n  -a   T" + std::string(30, 'o') +
+          "\n  -w   W" + std::string(31, 'i') + std::string(40, ' ') + "\n");
 }
 
 std::string filled(const std::string& text, const std::string& padding) {
@@ -70,10 +52,8 @@ std::string words(int count) {
 
 TEST(FillText, WrapsAtBlanksAndIndentsContinuationsAndKeepsLongWordsWhole) {
   EXPECT_EQ(filled("", "    "), "\n");
-  EXPECT_EQ(filled("Short help", "      "), "Short help\n");
-  // The first line may reach column 79, later ones 78 behind the previous break.
-  EXPECT_EQ(filled(words(25), ""), words(11) + "\n " + words(11) + "\n " + words(3) + "\n");
-  // A padding of 10 leaves 69 columns, with a blank right at 69; indent 11.
+  // The first line may reach column 79 - padding, later ones as far behind the
+  // previous break. A padding of 10 leaves 69, with a blank right at 69; indent 11.
   const std::string indent(11, ' ');
   EXPECT_EQ(filled(words(25), std::string(10, '.')),
             words(10) + "\n" + indent + words(9) + "\n" + indent + words(6) + "\n");
