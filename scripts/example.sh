@@ -25,7 +25,7 @@ echo
 echo "Benchmark series over --opt_for_speed, as the IDE plays it:"
 "$root/examples/play_series.sh" "$build_dir/ADVICE_PERF/advzorv" "$run_dir"
 
-report=$build_dir/ADVICE_PERF/report/advzorv-report
+report=$build_dir/programs/report/advzorv-report
 echo
 echo "+ advzorv-report advice.xml perf_results.xml"
 "$report" advice.xml perf_results.xml

@@ -1,8 +1,8 @@
-#include "ADVICE_PERF/report/terminal_report.h"
+#include "programs/views/terminal_report.h"
 
 #include "ADVICE_PERF/advice.h"
 #include "ADVICE_PERF/perf_results.h"
-#include "ADVICE_PERF/report/report_words.h"
+#include "programs/views/report_words.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -1,8 +1,8 @@
-#include "ADVICE_PERF/report/html_report.h"
+#include "programs/views/html_report.h"
 
 #include "ADVICE_PERF/advice.h"
 #include "ADVICE_PERF/perf_results.h"
-#include "ADVICE_PERF/report/report_words.h"
+#include "programs/views/report_words.h"
 
 #include <boost/property_tree/xml_parser.hpp>
 

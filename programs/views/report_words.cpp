@@ -1,4 +1,4 @@
-#include "ADVICE_PERF/report/report_words.h"
+#include "programs/views/report_words.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "ADVICE_PERF/report/report_documents.h"
+#include "programs/views/report_documents.h"
 
 #include "ADVICE_PERF/document_lock.h"
 

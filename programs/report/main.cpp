@@ -1,8 +1,8 @@
 // advzorv-report: shows the advice document and the performance results
 // document of advzorv in the terminal or as an HTML page. It only reads them.
-#include "ADVICE_PERF/report/html_report.h"
-#include "ADVICE_PERF/report/report_documents.h"
-#include "ADVICE_PERF/report/terminal_report.h"
+#include "programs/views/html_report.h"
+#include "programs/views/report_documents.h"
+#include "programs/views/terminal_report.h"
 
 #include <unistd.h>
 
