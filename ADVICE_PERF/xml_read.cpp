@@ -1,14 +1,12 @@
 #include "ADVICE_PERF/xml_read.h"
 
+#include "ADVICE_PERF/file_text.h"
+
 #include <boost/property_tree/detail/rapidxml.hpp>
 #include <boost/property_tree/xml_parser.hpp>
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <cstring>
 #include <deque>
 #include <memory>
@@ -24,58 +22,6 @@ namespace {
 // The flags read_xml gives the parser for trim_whitespace without no_comments.
 constexpr int parse_flags = rapidxml::parse_normalize_whitespace | rapidxml::parse_trim_whitespace |
                             rapidxml::parse_comment_nodes;
-
-// A file's text, read to its end or to its first NUL byte, NUL-terminated.
-struct FILE_TEXT {
-  std::unique_ptr<char[]> text;
-  std::size_t size = 0;
-};
-
-class FILE_DESCRIPTOR {
- public:
-  explicit FILE_DESCRIPTOR(const char* file_name) : fd(open(file_name, O_RDONLY | O_CLOEXEC)) {}
-  ~FILE_DESCRIPTOR() {
-    if (fd >= 0) close(fd);
-  }
-  FILE_DESCRIPTOR(const FILE_DESCRIPTOR&) = delete;
-  FILE_DESCRIPTOR& operator=(const FILE_DESCRIPTOR&) = delete;
-  const int fd;
-};
-
-// Reads the file, growing the buffer as needed; false when it can't be opened
-// or read, or holds more than max_xml_file_bytes before its first NUL byte.
-bool load(const char* file_name, FILE_TEXT& file) {
-  const FILE_DESCRIPTOR input(file_name);
-  if (input.fd < 0) return false;
-  // Room for a regular file, the end-of-file read and the terminator, so
-  // that the buffer grows only when the file does while it is read.
-  struct stat status {};
-  std::size_t capacity = 64 * 1024;
-  if (fstat(input.fd, &status) == 0 && S_ISREG(status.st_mode)) {
-    if (static_cast<std::size_t>(status.st_size) > max_xml_file_bytes) return false;
-    capacity = std::max<std::size_t>(status.st_size + 2, capacity);
-  }
-  file.text = std::make_unique_for_overwrite<char[]>(capacity);
-  for (;;) {
-    if (file.size + 1 == capacity) {
-      if (capacity > max_xml_file_bytes) return false;
-      const std::size_t larger = std::min(capacity * 2, max_xml_file_bytes + 1);
-      auto grown = std::make_unique_for_overwrite<char[]>(larger);
-      std::memcpy(grown.get(), file.text.get(), file.size);
-      file.text = std::move(grown);
-      capacity = larger;
-    }
-    const ssize_t got = read(input.fd, file.text.get() + file.size, capacity - 1 - file.size);
-    if (got < 0 && errno == EINTR) continue;
-    if (got < 0) return false;
-    if (got == 0) break;
-    const char* nul = static_cast<const char*>(std::memchr(file.text.get() + file.size, 0, got));
-    file.size += got;
-    if (nul) break;
-  }
-  file.text[file.size] = '\0';
-  return true;
-}
 
 // Whether the parser would nest elements deeper than max_xml_depth. Follows
 // the parser's own lexical rules and character tables; at the first error it
@@ -310,7 +256,7 @@ ptree read_xml_file(const char* file_name, const KEPT_ELEMENT* root) {
   ptree tree;
   try {
     FILE_TEXT file;
-    if (!load(file_name, file) || DEPTH_SCAN(file.text.get()).too_deep()) return tree;
+    if (!load_file_text(file_name, file) || DEPTH_SCAN(file.text.get()).too_deep()) return tree;
     auto document = std::make_unique<rapidxml::xml_document<char>>();
     document->parse<parse_flags>(file.text.get());
     if (!root) {
