@@ -15,7 +15,10 @@ namespace {
 bool same_file(const std::string& a, const std::string& b) {
   std::error_code error;
   if (fs::equivalent(a, b, error)) return true;
-  return fs::weakly_canonical(a, error) == fs::weakly_canonical(b, error) && !error;
+  const auto normal = [&](const std::string& name) {
+    return fs::weakly_canonical(fs::absolute(name, error), error);
+  };
+  return normal(a) == normal(b);
 }
 
 }  // namespace
