@@ -61,7 +61,8 @@ constexpr const char* usage =
     "  --                        ends the options\n"
     "\n"
     "An output file must not be -, an input or another output. JSON and\n"
-    "Markdown can both be asked for when one of them goes to a file.\n"
+    "Markdown can be asked for together, and with --html, when at most one\n"
+    "of them goes to standard output.\n"
     "\n"
     "Exit status: 0 when the views were made and every gate passed; 1 when a\n"
     "gate (--check, --fail-over, --fail-growth) failed; 2 for wrong arguments,\n"
@@ -134,13 +135,14 @@ std::string json_of(const nlohmann::json& value) {
 }
 
 // Writes the JSON and Markdown views that were asked for; the terminal view
-// goes to standard output when neither was.
+// goes to standard output when no view was asked for (other_view: the page).
 template <typename Terminal, typename Markdown>
 void show(const VIEW_OPTIONS& views, const nlohmann::json& json, Terminal terminal,
-          Markdown markdown) {
+          Markdown markdown, bool other_view = false) {
   if (views.json.wanted()) emit(views.json, json_of(json));
   if (views.markdown.wanted()) emit(views.markdown, text_of(markdown));
-  if (!views.json.wanted() && !views.markdown.wanted()) std::cout << text_of(terminal);
+  if (!views.json.wanted() && !views.markdown.wanted() && !other_view)
+    std::cout << text_of(terminal);
 }
 
 int report_failures(const std::vector<std::string>& failures) {
@@ -158,15 +160,12 @@ int run_documents(const COMMAND_LINE& line) {
       read_documents(line.documents[0].c_str(), line.documents[1].c_str());
   const ADVICE& advice = *documents.advice;
   const PERF_RESULTS& results = *documents.results;
-  if (line.html.wanted()) {
-    write_html_report(line.html.target, advice, results);
-  } else {
-    const bool colour = colour_wanted(line.color);
-    show(
-        views, documents_json(advice, results),
-        [&](std::ostream& out) { print_report(out, advice, results, colour); },
-        [&](std::ostream& out) { print_markdown(out, advice, results); });
-  }
+  if (line.html.wanted()) write_html_report(line.html.target, advice, results);
+  const bool colour = colour_wanted(line.color);
+  show(
+      views, documents_json(advice, results),
+      [&](std::ostream& out) { print_report(out, advice, results, colour); },
+      [&](std::ostream& out) { print_markdown(out, advice, results); }, line.html.wanted());
   return line.check ? report_failures(document_check_failures(advice, results)) : 0;
 }
 
