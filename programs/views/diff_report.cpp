@@ -91,7 +91,9 @@ json diff_json(const SIZE_DIFF& diff) {
                         {"percent", optional_json(section_percent(section))},
                         {"change", section.change()},
                         {"counts", section.counts}});
-  return {{"old_code_size", diff.old_code_size},
+  return {{"format", "advzorv-report diff"},
+          {"format_version", 1},
+          {"old_code_size", diff.old_code_size},
           {"new_code_size", diff.new_code_size},
           {"code_size_delta", diff.code_size_delta()},
           {"code_size_percent", optional_json(code_size_percent(diff))},

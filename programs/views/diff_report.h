@@ -2,6 +2,7 @@
 // What changed between two links, section by section, and in code size: as a
 // terminal table, as JSON and as a Markdown table. The sources name the link
 // files in headings.
+// The JSON's keys are an interface, described by doc/report_diff.schema.json.
 
 #include "programs/views/link_sizes.h"
 

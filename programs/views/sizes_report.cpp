@@ -46,7 +46,10 @@ json sizes_json(const SIZE_TABLE& table) {
                       {"counts", counted},
                       {"why_not", counted ? json(nullptr) : json(count_word(group.count))}});
   }
-  return {{"code_size", table.code_size}, {"groups", groups}};
+  return {{"format", "advzorv-report sizes"},
+          {"format_version", 1},
+          {"code_size", table.code_size},
+          {"groups", groups}};
 }
 
 void print_sizes_markdown(std::ostream& out, const SIZE_TABLE& table, const std::string& source) {

@@ -1,6 +1,7 @@
 #pragma once
 // Code size by logical group of one link: as a terminal table, as JSON and as
 // a Markdown table. source names the link file in headings.
+// The JSON's keys are an interface, described by doc/report_sizes.schema.json.
 
 #include "programs/views/link_sizes.h"
 

@@ -17,7 +17,8 @@ import tempfile
 build, play_series = map(os.path.abspath, sys.argv[1:3])
 FILES = {"bin/advzorv", "bin/advzorv-report", "share/man/man1/advzorv.1",
          "share/man/man1/advzorv-report.1", "share/advzorv/advice.xsd",
-         "share/advzorv/perf_results.xsd", "share/advzorv/report_documents.schema.json"}
+         "share/advzorv/perf_results.xsd", "share/advzorv/report_documents.schema.json",
+         "share/advzorv/report_sizes.schema.json", "share/advzorv/report_diff.schema.json"}
 failures = []
 
 

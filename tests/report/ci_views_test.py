@@ -3,7 +3,7 @@
 by section against the bar advzorv records, two links compared with the size
 gate, the documents' gate, and the inputs and outputs it refuses.
 
-Usage: ci_views_test.py ADVZORV ADVZORV_REPORT E2E_CASES JSON_SCHEMA DEMO_LINK_INFO
+Usage: ci_views_test.py ADVZORV ADVZORV_REPORT E2E_CASES DOC_DIR DEMO_LINK_INFO
 """
 import datetime
 import glob
@@ -18,8 +18,9 @@ import xml.etree.ElementTree as ET
 
 import jsonschema
 
-advzorv, report, cases, schema_file, demo_link = map(os.path.abspath, sys.argv[1:6])
-validator = jsonschema.Draft202012Validator(json.load(open(schema_file)))
+advzorv, report, cases, doc, demo_link = map(os.path.abspath, sys.argv[1:6])
+validators = {name: jsonschema.Draft202012Validator(json.load(open(
+    os.path.join(doc, "report_%s.schema.json" % name)))) for name in ("documents", "sizes", "diff")}
 STAMP = 0x6912F3A0
 ISO_STAMP = datetime.datetime.fromtimestamp(STAMP, datetime.timezone.utc).strftime(
     "%Y-%m-%dT%H:%M:%SZ")
@@ -40,6 +41,11 @@ def write(path, text):
         f.write(text)
 
 
+def check_valid(kind, got, what):
+    errors = [e.message for e in validators[kind].iter_errors(got)]
+    check(not errors, "%s: not valid against the %s schema: %s" % (what, kind, errors))
+
+
 def check_documents_json(work):
     """Every pair of documents the end-to-end cases expect, as JSON and Markdown."""
     pairs = 0
@@ -55,8 +61,7 @@ def check_documents_json(work):
         done = run("--json", "advice.xml", "perf.xml", cwd=work)
         check(done.returncode == 0, case + ": " + done.stderr)
         got = json.loads(done.stdout)
-        errors = [e.message for e in validator.iter_errors(got)]
-        check(not errors, "%s: not valid against the schema: %s" % (case, errors))
+        check_valid("documents", got, case)
         bars = [(b.get("option_value"), int(b.get("value")), b.get("color"))
                 for b in ET.parse(os.path.join(work, "perf.xml")).find("chart")]
         check([(b["key"], b["code_size"], b["color"]) for b in got["chart"]["bars"]] == bars,
@@ -145,6 +150,7 @@ def check_sizes(work):
         bar = ET.parse(os.path.join(work, "perf_results.xml")).find("chart/bar")
         done = run("sizes", "--json", "link_info.xml", cwd=work)
         got = json.loads(done.stdout) if done.returncode == 0 else {}
+        check_valid("sizes", got, name)
         check(bar is not None and got.get("code_size") == int(bar.get("value")),
               "%s: sizes total %s, bar %s" % (name, got.get("code_size"),
                                               None if bar is None else bar.get("value")))
@@ -170,6 +176,7 @@ def check_diff(work):
         ("1", ".text", 1060, ["a"]), ("2", ".data", 100, ["b"]), ("3", ".bss", 80, ["c"]),
         ("9", ".rodata", 40, ["e"])], uninitialized={"c"})
     got = json.loads(run("diff", "--json", "old.xml", "new.xml", cwd=work).stdout)
+    check_valid("diff", got, "diff")
     rows = [(s["name"], s["old_size"], s["new_size"], s["delta"], s["change"], s["counts"])
             for s in got["sections"]]
     check(rows == [(".debug_info", 500, None, -500, "went", False),
