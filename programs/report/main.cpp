@@ -83,7 +83,6 @@ struct COMMAND_LINE {
   bool check = false;
   std::string color = "auto";
   std::vector<std::string> documents;
-  std::string link_file;
   std::vector<std::string> link_files;
   std::string fail_over, fail_growth;
   CLI::App* sizes = nullptr;
@@ -108,12 +107,12 @@ void define(CLI::App& app, COMMAND_LINE& line) {
   app.add_option("documents", line.documents);
   line.sizes = app.add_subcommand("sizes");
   add_common(*line.sizes, line, line.sizes_views);
-  line.sizes->add_option("link_file", line.link_file)->required();
+  line.sizes->add_option("link_files", line.link_files);
   line.diff = app.add_subcommand("diff");
   add_common(*line.diff, line, line.diff_views);
   line.diff->add_option("--fail-over", line.fail_over);
   line.diff->add_option("--fail-growth", line.fail_growth);
-  line.diff->add_option("link_files", line.link_files)->expected(2)->required();
+  line.diff->add_option("link_files", line.link_files);
 }
 
 bool colour_wanted(const std::string& when) {
@@ -170,14 +169,15 @@ int run_documents(const COMMAND_LINE& line) {
 }
 
 int run_sizes(const COMMAND_LINE& line) {
+  if (line.link_files.size() != 1) throw usage_error("sizes expects one link information file");
   const VIEW_OPTIONS& views = line.sizes_views;
-  check_targets({views.json, views.markdown}, {line.link_file});
-  const auto link = read_link_file(line.link_file.c_str());
+  const std::string& file = line.link_files[0];
+  check_targets({views.json, views.markdown}, line.link_files);
+  const auto link = read_link_file(file.c_str());
   const SIZE_TABLE table = size_table(*link);
   show(
-      views, sizes_json(table),
-      [&](std::ostream& out) { print_sizes(out, table, line.link_file); },
-      [&](std::ostream& out) { print_sizes_markdown(out, table, line.link_file); });
+      views, sizes_json(table), [&](std::ostream& out) { print_sizes(out, table, file); },
+      [&](std::ostream& out) { print_sizes_markdown(out, table, file); });
   return 0;
 }
 
@@ -202,6 +202,8 @@ SIZE_BUDGET size_budget(const COMMAND_LINE& line) {
 }
 
 int run_diff(const COMMAND_LINE& line) {
+  if (line.link_files.size() != 2)
+    throw usage_error("diff expects two link information files, OLD and NEW");
   const VIEW_OPTIONS& views = line.diff_views;
   const SIZE_BUDGET budget = size_budget(line);
   check_targets({views.json, views.markdown}, line.link_files);

@@ -268,6 +268,8 @@ def check_refusals(work, series):
         (["diff", "link_info.xml", "missing.xml"], "missing.xml"),
         (["diff", "link_info.xml", "foreign.xml"], "foreign.xml is not valid link information"),
         (["--check", "sizes", "link_info.xml"], "go without sizes and diff"),
+        (["sizes"], "sizes expects one link information file"),
+        (["diff", "link_info.xml"], "diff expects two link information files"),
     ]
     before = {n: open(os.path.join(work, n)).read() for n in os.listdir(work)}
     for args, message in refused:
@@ -284,6 +286,8 @@ def check_refusals(work, series):
     os.rename(os.path.join(work, "advice.xml"), os.path.join(work, "--check"))
     done = run("--", "--check", "perf_results.xml", cwd=work)
     check(done.returncode == 0 and "Advice:" in done.stdout, "-- does not end the options")
+    done = run("diff", "--help", cwd=work)
+    check(done.returncode == 0 and "--fail-growth" in done.stdout, "diff --help")
     done = run("--version", cwd=work)
     check(done.returncode == 0 and re.fullmatch(r"advzorv-report \d+\.\d+\.\d+\n", done.stdout),
           "--version: %r" % done.stdout)
