@@ -237,6 +237,23 @@ def check_gate_on_documents(work, series):
               "--check on %s: status %d, %r" % (colors, done.returncode, done.stderr))
 
 
+def check_markdown_syntax_in_text(work, series):
+    """Text that Markdown would read as syntax keeps a table row whole and
+    shows as written."""
+    results = ET.parse(os.path.join(series, "perf_results.xml"))
+    results.find("chart/bar").set("option_value", "a|b<i>*x*")
+    results.write(os.path.join(work, "r.xml"))
+    advice = ET.parse(os.path.join(series, "advice.xml"))
+    advice.getroot().findall("advice")[-1].text = "see <script>x</script> | `c` _u_\nnext"
+    advice.write(os.path.join(work, "a.xml"))
+    shown = run("--markdown", "a.xml", "r.xml", cwd=work).stdout
+    rows = [l for l in shown.splitlines() if l.startswith("|")]
+    cells = [len(re.split(r"(?<!\\)\|", row)) - 2 for row in rows]
+    check(len(rows) == 8 and set(cells) == {4}, "table rows %s" % rows)
+    check("<script>" not in shown and "a\\|b\\<i\\>\\*x\\*" in shown and "next" in shown,
+          "Markdown of text with syntax:\n" + shown)
+
+
 def check_refusals(work, series):
     """Swapped, foreign and missing inputs and outputs over inputs: status 2,
     a message naming the file, and every input left as it was."""
@@ -300,7 +317,7 @@ with tempfile.TemporaryDirectory(prefix="advzorv-ci-") as tmp:
     for group in (check_documents_json, check_sizes, check_diff):
         os.mkdir(os.path.join(tmp, group.__name__))
         group(os.path.join(tmp, group.__name__))
-    for group in (check_gate_on_documents, check_refusals):
+    for group in (check_gate_on_documents, check_markdown_syntax_in_text, check_refusals):
         os.mkdir(os.path.join(tmp, group.__name__))
         group(os.path.join(tmp, group.__name__), series)
 
