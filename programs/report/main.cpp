@@ -76,6 +76,7 @@ struct VIEW_OPTIONS {
   VIEW_TARGET json{"--json", ""}, markdown{"--markdown", ""};
 };
 
+// What the command line asks for; sizes and diff are its subcommands.
 struct COMMAND_LINE {
   bool help = false;
   VIEW_OPTIONS documents_views, sizes_views, diff_views;
