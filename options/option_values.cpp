@@ -39,7 +39,8 @@ std::vector<std::string> enumerated_values(const option_table& table, int id) {
     const scan_row& row = table.scan[i];
     if (row.id != id || row.handler != handler_arg) continue;
     if (row.high == signed_unbounded || row.high == unsigned_unbounded) return values;
-    for (uint64_t n = row.low; n <= row.high; ++n) values.push_back(std::to_string(n));
+    for (uint64_t n = row.low; n <= row.high; ++n)
+      values.push_back(std::to_string(n));
     return values;
   }
   return values;

@@ -1,7 +1,7 @@
 #include "programs/series/build_step.h"
 
-#include <cerrno>
 #include <cctype>
+#include <cerrno>
 #include <deque>
 #include <fstream>
 #include <system_error>
@@ -59,13 +59,15 @@ void write_all(int fd, const std::string& text) {
 std::vector<std::string> substituted_command(const std::vector<std::string>& command,
                                              const STEP_SETTING& step) {
   std::vector<std::string> words;
-  for (const std::string& word : command) words.push_back(substituted(word, step));
+  for (const std::string& word : command)
+    words.push_back(substituted(word, step));
   return words;
 }
 
 std::string build_log_path(const std::string& log_dir, const STEP_SETTING& step) {
   std::string name = step.setting;
-  while (!name.empty() && name.front() == '-') name.erase(0, 1);
+  while (!name.empty() && name.front() == '-')
+    name.erase(0, 1);
   for (char& c : name)
     if (!plain_file_char(c)) c = '_';
   return log_dir + "/" + name + ".log";
@@ -82,7 +84,8 @@ CHILD_END run_build(const std::vector<std::string>& command, const STEP_SETTING&
                 true};
   try {
     std::string line = "+";
-    for (const std::string& word : run.argv) line += " " + word;
+    for (const std::string& word : run.argv)
+      line += " " + word;
     write_all(log, line + "\n");
     const CHILD_END end = run_child(run, tick);
     close(log);
@@ -101,6 +104,7 @@ std::string log_tail(const std::string& log_path, unsigned count) {
     if (lines.size() > count) lines.pop_front();
   }
   std::string tail;
-  for (const std::string& line : lines) tail += line + "\n";
+  for (const std::string& line : lines)
+    tail += line + "\n";
   return tail;
 }

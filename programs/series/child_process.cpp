@@ -50,7 +50,8 @@ int exit_status(int wait_status) {
 
 CHILD_END run_child(const CHILD_RUN& run, const std::function<void()>& tick) {
   std::vector<char*> argv;
-  for (const std::string& arg : run.argv) argv.push_back(const_cast<char*>(arg.c_str()));
+  for (const std::string& arg : run.argv)
+    argv.push_back(const_cast<char*>(arg.c_str()));
   argv.push_back(nullptr);
 
   std::fflush(nullptr);  // nothing buffered here is written twice

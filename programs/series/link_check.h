@@ -24,9 +24,9 @@ std::optional<FILE_STAMP> file_stamp(const std::string& path);
 // build (stamp before), not well-formed link information, linked before the
 // results document's time stamp, or gives a code size of 0. (A file that the
 // build left alone can bear the document's second, which the tool takes for
-// a new link: only its stamp shows it is old.) The reason is a whole sentence that names the file, the
-// setting and the cause; nothing when a bar would be added. Both files are
-// read with advzorv's own classes and never written.
+// a new link: only its stamp shows it is old.) The reason is a whole sentence that names the file,
+// the setting and the cause; nothing when a bar would be added. Both files are read with advzorv's
+// own classes and never written.
 std::optional<std::string> missing_bar_reason(const std::string& link_file,
                                               const std::optional<FILE_STAMP>& before,
                                               const std::string& results_file,

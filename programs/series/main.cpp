@@ -31,7 +31,8 @@ struct exports {
 
 std::string joined(const std::vector<std::string>& words) {
   std::string text;
-  for (const std::string& word : words) text += (text.empty() ? "" : ", ") + word;
+  for (const std::string& word : words)
+    text += (text.empty() ? "" : ", ") + word;
   return text;
 }
 
@@ -140,7 +141,8 @@ int main(int argc, char** argv) {
   }
   const bool shown = show_results(plan, result, out);
   if (result.stop_signal != 0) {
-    std::cerr << "advzorv-series: stopped by " << (result.stop_signal == SIGINT ? "SIGINT" : "SIGTERM") << "; "
+    std::cerr << "advzorv-series: stopped by "
+              << (result.stop_signal == SIGINT ? "SIGINT" : "SIGTERM") << "; "
               << (result.recorded.empty()
                       ? std::string("nothing recorded")
                       : "recorded " + plan.option.long_form + "=" + joined(result.recorded))

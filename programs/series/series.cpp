@@ -18,9 +18,8 @@ std::optional<std::string> step_problem(const SERIES_PLAN& plan, const STEP_SETT
                                         const CHILD_END& build, const std::string& log,
                                         const std::optional<FILE_STAMP>& link_before) {
   if (build.status != 0)
-    return "the build at " + step.setting + " failed with status " +
-           std::to_string(build.status) + ": no bar; the end of its log " + log + ":\n" +
-           log_tail(log, shown_log_lines);
+    return "the build at " + step.setting + " failed with status " + std::to_string(build.status) +
+           ": no bar; the end of its log " + log + ":\n" + log_tail(log, shown_log_lines);
   return missing_bar_reason(plan.files.link_info, link_before, plan.files.results, step.setting);
 }
 

@@ -45,7 +45,8 @@ void release_held_signals() {
 
 int stop_signal() {
   const timespec now{0, 0};
-  while (const int signal = take_held_signal(now)) note(signal);
+  while (const int signal = take_held_signal(now))
+    note(signal);
   return first_stop;
 }
 

@@ -14,10 +14,10 @@ struct SERIES_FILES {
 
 // One benchmark event as the tool takes it.
 struct TOOL_EVENT {
-  std::string name;          // "start", "append" or "end"
-  std::string option;        // the varied option in long form
-  std::string value;         // the value of this build; unused by "start"
-  bool without_link = false; // names no link information, so the run adds no bar
+  std::string name;           // "start", "append" or "end"
+  std::string option;         // the varied option in long form
+  std::string value;          // the value of this build; unused by "start"
+  bool without_link = false;  // names no link information, so the run adds no bar
 };
 
 // The advzorv that lives beside this program (in the same directory).

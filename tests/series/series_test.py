@@ -193,7 +193,10 @@ def check_stops():
             time.sleep(0.05)  # the pid is written before the shell sleeps
             build_pid = int(open(pid_file).read())
             run.send_signal(sig)
+            sent = time.monotonic()
             _, err = run.communicate(timeout=30)
+            check(time.monotonic() - sent < 5, "%s: the series took %.1f s to stop"
+                  % (name, time.monotonic() - sent))
             check(run.returncode == status, "%s: status %d\n%s" % (name, run.returncode, err))
             check("stopped by %s; recorded --opt_for_speed=0, 1" % name in err, name + ": " + err)
             check(chart(work) == {"0": Y, "1": G}, "%s: chart %s" % (name, chart(work)))
