@@ -5,7 +5,10 @@
 #include "programs/series/progress.h"
 #include "programs/series/series.h"
 #include "programs/series/stop_signals.h"
+#include "ADVICE_PERF/file_replace.h"
 #include "programs/views/html_report.h"
+#include "programs/views/json_report.h"
+#include "programs/views/markdown_report.h"
 #include "programs/views/report_documents.h"
 #include "programs/views/terminal_report.h"
 
@@ -18,6 +21,7 @@
 #include <exception>
 #include <filesystem>
 #include <iostream>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -25,8 +29,11 @@
 
 namespace {
 
+// The files that take the views of the documents, "" for those not asked for.
 struct exports {
   std::string html;
+  std::string json;
+  std::string markdown;
 };
 
 std::string joined(const std::vector<std::string>& words) {
@@ -49,6 +56,17 @@ std::vector<std::string> values_without_bar(const PERF_RESULTS& results,
   return missing;
 }
 
+// Writes the views asked for, as advzorv-report writes them.
+void write_exports(const exports& out, const ADVICE& advice, const PERF_RESULTS& results) {
+  if (!out.html.empty()) write_html_report(out.html, advice, results);
+  if (!out.json.empty()) write_json_file(out.json, documents_json(advice, results));
+  if (!out.markdown.empty()) {
+    std::ostringstream text;
+    print_markdown(text, advice, results);
+    replace_file(out.markdown, text.str());
+  }
+}
+
 // Prints the report of both documents, checks that the chart of a whole
 // series holds a bar per value and writes the exports; false on a problem.
 bool show_results(const SERIES_PLAN& plan, const SERIES_RESULT& result, const exports& out) {
@@ -56,7 +74,7 @@ bool show_results(const SERIES_PLAN& plan, const SERIES_RESULT& result, const ex
     const REPORT_DOCUMENTS documents =
         read_documents(plan.files.advice.c_str(), plan.files.results.c_str());
     print_report(std::cout, *documents.advice, *documents.results, colour_wanted());
-    if (!out.html.empty()) write_html_report(out.html, *documents.advice, *documents.results);
+    write_exports(out, *documents.advice, *documents.results);
     const std::vector<std::string> missing =
         values_without_bar(*documents.results, plan.option.values);
     if (result.ended && !missing.empty()) {
@@ -103,6 +121,8 @@ int main(int argc, char** argv) {
   app.add_flag("--keep-going", plan.keep_going,
                "go on after a build that gives no bar (the status is still 1)");
   app.add_option("--html", out.html, "write the report as an XHTML page to FILE");
+  app.add_option("--export-json", out.json, "write both documents as JSON to FILE");
+  app.add_option("--export-markdown", out.markdown, "write both documents as Markdown to FILE");
   app.add_option("--log-dir", plan.log_dir,
                  "where the build logs go (default: advzorv-series-logs beside the results)");
   app.add_option("--advzorv", plan.advzorv, "the advzorv to run (default: the one beside this)");

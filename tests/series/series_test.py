@@ -8,6 +8,7 @@ validity.
 Usage: series_test.py ADVZORV_SERIES ADVZORV FAKE_BUILD SCHEMA_DIR outcomes|stops
 """
 import os
+import json
 import shutil
 import signal
 import subprocess
@@ -81,7 +82,8 @@ SPEED = ["0", "1", "2", "3", "4", "5"]
 # document), values built, build_results advice [(code, value)], shown (in stdout)
 OUTCOMES = [
     ("the table's values of --opt_for_speed, one bar each, best green",
-     ["--option=--opt_for_speed", "--html=page.xhtml"], {"FAKE_RED": "5"}, 0,
+     ["--option=--opt_for_speed", "--html=page.xhtml", "--export-json=series.json",
+      "--export-markdown=series.md"], {"FAKE_RED": "5"}, 0,
      ["[6/6] --opt_for_speed=5"], dict(zip(SPEED, [Y, Y, Y, Y, G, R])), SPEED,
      [("27011", "4")], ["27011", "recommends --opt_for_speed=4", "best"]),
     ("-O varies --opt_level over the table's words", ["--option=-O"], {}, 0, [],
@@ -149,10 +151,38 @@ def check_outcomes():
             check(recommended(work) == advice, "%s: advice %s" % (name, recommended(work)))
             for text in shown:
                 check(text in out, "%s: no %r in the report\n%s" % (name, text, out))
-            for arg in args:
-                if arg.startswith("--html="):
-                    ET.parse(os.path.join(work, arg[len("--html="):]))  # well-formed XHTML
+            check_exports(name, work, args)
             check_documents_valid(name, work)
+
+
+def check_exports(name, work, args):
+    """The views asked for hold the chart that the results document holds."""
+    files = dict(arg[2:].split("=", 1) for arg in args if "=" in arg)
+    bars = chart(work)
+    if "html" in files:
+        ET.parse(os.path.join(work, files["html"]))  # well-formed XHTML
+    if "export-json" in files:
+        with open(os.path.join(work, files["export-json"])) as f:
+            exported = json.load(f)
+        shown = {bar["key"]: bar["color"] for bar in exported["chart"]["bars"]}
+        check(shown == bars, "%s: JSON bars %s" % (name, shown))
+        check(exported["best"] == next((k for k, c in bars.items() if c == G), ""),
+              "%s: JSON best %r" % (name, exported["best"]))
+        try:
+            import jsonschema
+        except ImportError:
+            print("python3-jsonschema not found: the JSON is not validated")
+            return
+        with open(os.path.join(schema_dir, "report_documents.schema.json")) as f:
+            schema = json.load(f)
+        errors = list(jsonschema.Draft202012Validator(schema).iter_errors(exported))
+        check(not errors, "%s: JSON against its schema: %s" % (name, [e.message for e in errors]))
+    if "export-markdown" in files:
+        with open(os.path.join(work, files["export-markdown"])) as f:
+            rows = [line for line in f if line.startswith("| ")]
+        for key in bars:
+            check(any(row.startswith("| %s | " % key) for row in rows),
+                  "%s: no Markdown row of bar %s" % (name, key))
 
 
 def live_processes_of_group(pgid):
