@@ -9,6 +9,7 @@ Usage: series_test.py ADVZORV_SERIES ADVZORV FAKE_BUILD SCHEMA_DIR outcomes|stop
 """
 import os
 import json
+import shlex
 import shutil
 import signal
 import subprocess
@@ -185,6 +186,35 @@ def check_exports(name, work, args):
                   "%s: no Markdown row of bar %s" % (name, key))
 
 
+# How progress is shown: live on a terminal (script(1) gives one), plain in a
+# log or under CI. name, on a terminal, environment, wanted, unwanted (in stderr)
+PROGRESS = [
+    ("terminal", True, {}, ["\x1b[K[2/3] --opt_for_speed=1  ", " to go"], []),
+    ("terminal under CI", True, {"CI": "1"}, ["[3/3] --opt_for_speed=2  "], ["\x1b"]),
+    ("log", False, {}, ["[1/3] --opt_for_speed=0  ", "built\n[2/3]"], ["\r", "\x1b"]),
+]
+
+
+def check_progress():
+    command = [series, "--advzorv=" + advzorv, "--option=--opt_for_speed", "--values=0,1,2",
+               *FILES, *COMMAND]
+    for name, on_terminal, env, wanted, unwanted in PROGRESS:
+        environment = {k: v for k, v in os.environ.items() if k != "CI"}
+        with tempfile.TemporaryDirectory(prefix="advzorv-series-") as work:
+            if on_terminal:
+                line = " ".join(shlex.quote(word) for word in command) + " 2>&1 >/dev/null"
+                shown = subprocess.run(["script", "-qec", line, "/dev/null"], cwd=work,
+                                       env={**environment, **env}, capture_output=True,
+                                       text=True).stdout
+            else:
+                shown = subprocess.run(command, cwd=work, env={**environment, **env},
+                                       capture_output=True, text=True).stderr
+            for text in wanted:
+                check(text in shown, "progress on a %s: no %r in %r" % (name, text, shown))
+            for text in unwanted:
+                check(text not in shown, "progress on a %s: %r in %r" % (name, text, shown))
+
+
 def live_processes_of_group(pgid):
     found = []
     for pid in filter(str.isdigit, os.listdir("/proc")):
@@ -239,6 +269,6 @@ def check_stops():
             check_documents_valid(name, work)
 
 
-{"outcomes": check_outcomes, "stops": check_stops}[group]()
+{"outcomes": lambda: (check_outcomes(), check_progress()), "stops": check_stops}[group]()
 print("\n".join(failures) or "ok")
 sys.exit(1 if failures else 0)
