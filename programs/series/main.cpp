@@ -98,7 +98,8 @@ int main(int argc, char** argv) {
     std::cerr << "advzorv-series: " << e.what() << "\n";
     return 1;
   }
-  const bool shown = show_series_results(plan, result, line.exports, std::cout, std::cerr);
+  const bool shown =
+      result.started && show_series_results(plan, result, line.exports, std::cout, std::cerr);
   if (result.stop_signal != 0) {
     tell_stop(plan, result, std::cerr);
     return 128 + result.stop_signal;

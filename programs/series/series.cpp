@@ -38,7 +38,12 @@ SERIES_RESULT run_series(const SERIES_PLAN& plan, PROGRESS& progress, std::ostre
   SERIES_RESULT result;
   const std::string& option = plan.option.long_form;
   const std::vector<std::string>& values = plan.option.values;
-  if (stop_signal() == 0 && !record(plan, {"start", option, "", false}, messages)) {
+  if (stop_signal() != 0) {
+    result.stop_signal = stop_signal();
+    return result;
+  }
+  result.started = record(plan, {"start", option, "", false}, messages);
+  if (!result.started) {
     result.failed = true;
     return result;
   }

@@ -21,6 +21,7 @@ struct SERIES_PLAN {
 };
 
 struct SERIES_RESULT {
+  bool started = false;               // the tool ran the event "start"
   std::vector<std::string> recorded;  // the values whose bar the tool was given
   bool failed = false;                // some step gave no bar, or the tool failed
   bool ended = false;                 // the tool ran the event "end"
