@@ -22,7 +22,7 @@ series, advzorv, fake_build, schema_dir = map(os.path.abspath, sys.argv[1:5])
 group = sys.argv[5]
 FILES = ["--advice_file=advice.xml", "--benchmarks_file=perf_results.xml",
          "--xml_link_info=link_info.xml", "--linker_options_file=options.cmd"]
-COMMAND = ["--", fake_build, "{value}", "{setting}", "opt={option}"]
+COMMAND = ["--", fake_build, "{value}", "{setting}", "opt={option}", "{other}{"]
 failures = []
 
 
@@ -74,7 +74,7 @@ def check_documents_valid(name, work):
 
 def record_line(value, option="--opt_for_speed"):
     setting = "%s=%s" % (option, value)
-    return "%s %s opt=%s|%s|%s|%s" % (value, setting, option, value, option, setting)
+    return "%s %s opt=%s {other}{|%s|%s|%s" % (value, setting, option, value, option, setting)
 
 
 Y, G, R, C = "yellow", "green", "red", "cyan"
@@ -132,6 +132,8 @@ OUTCOMES = [
     ("a word the table refuses, before any build",
      ["--option=--opt_level", "--values=2,fast"], {}, 1,
      ["bad argument to option --opt_level: should be one of {off,0,1,2,3,4}"], None, [], [], []),
+    ("a value given twice, before any build", ["--option=--opt_for_speed", "--values=1,2,1"],
+     {}, 1, ["value 1 of --opt_for_speed is given twice"], None, [], [], []),
     ("an option the table doesn't know", ["--option=--fastest"], {}, 1,
      ["--fastest is no option of the compiler shell"], None, [], [], []),
 ]
