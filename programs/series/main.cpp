@@ -6,6 +6,7 @@
 #include "programs/series/series.h"
 #include "programs/series/series_report.h"
 #include "programs/series/stop_signals.h"
+#include "UTIL/version.h"
 
 #include <CLI/CLI.hpp>
 
@@ -82,10 +83,11 @@ int main(int argc, char** argv) {
   COMMAND_LINE line;
   line.plan.advzorv = advzorv_beside_this_program();
   define(app, line);
+  app.set_version_flag("--version", std::string("advzorv-series ") + version_number());
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& e) {
-    return app.exit(e) == 0 ? 0 : 1;
+    return app.exit(e) == 0 ? 0 : 2;
   }
   SERIES_PLAN& plan = line.plan;
   SERIES_RESULT result;

@@ -139,6 +139,9 @@ OUTCOMES = [
      {}, 1, ["value 1 of --opt_for_speed is given twice"], None, [], [], []),
     ("an option the table doesn't know", ["--option=--fastest"], {}, 1,
      ["--fastest is no option of the compiler shell"], None, [], [], []),
+    ("an option of the series it doesn't know, as usage", ["--option=--opt_for_speed",
+                                                           "--fast"], {}, 2,
+     ["not expected: -- --fast"], None, [], [], []),
 ]
 
 
