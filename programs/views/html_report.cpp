@@ -65,11 +65,13 @@ ptree& with_class(ptree& node, const std::string& name) {
 }
 
 // A table with its caption and column headings; returns its body.
-ptree& table(ptree& parent, const std::string& caption, std::initializer_list<std::string> columns) {
+ptree& table(ptree& parent, const std::string& caption,
+             std::initializer_list<std::string> columns) {
   ptree& node = element(parent, "table");
   element(node, "caption", caption);
   ptree& head = element(element(node, "thead"), "tr");
-  for (const std::string& title : columns) attr(element(head, "th", title), "scope", "col");
+  for (const std::string& title : columns)
+    attr(element(head, "th", title), "scope", "col");
   return element(node, "tbody");
 }
 
@@ -107,8 +109,7 @@ void add_settings(ptree& body, const ADVICE::entry_map& entries) {
     element(body, "p", "None recorded.");
     return;
   }
-  ptree& rows = table(body, "The build's options as the last run found them",
-                      {"Option", "Value"});
+  ptree& rows = table(body, "The build's options as the last run found them", {"Option", "Value"});
   for (const auto& [option, value] : settings) {
     ptree& row = element(rows, "tr");
     attr(element(row, "th", option), "scope", "row");
@@ -170,7 +171,8 @@ void add_meaning(ptree& parent, const std::string& color) {
 
 void add_bars(ptree& section, const std::vector<shown_bar>& shown) {
   uint32_t largest = 0;
-  for (const auto& [key, bar] : shown) largest = std::max(largest, bar->value);
+  for (const auto& [key, bar] : shown)
+    largest = std::max(largest, bar->value);
   ptree& list = with_class(element(section, "ul"), "chart");
   for (const auto& [key, bar] : shown) {
     ptree& row = with_class(element(list, "li"), std::string("bar ") + bar_meaning(bar->color));
@@ -199,8 +201,8 @@ void add_legend(ptree& section) {
 }
 
 void add_data_table(ptree& section, const CHART_INFO& chart, const std::vector<shown_bar>& shown) {
-  ptree& rows = table(section, chart.title + ": the bars as data",
-                      {"Key", chart.valueLabel, "Meaning"});
+  ptree& rows =
+      table(section, chart.title + ": the bars as data", {"Key", chart.valueLabel, "Meaning"});
   for (const auto& [key, bar] : shown) {
     ptree& row = element(rows, "tr");
     with_class(attr(element(row, "th", *key), "scope", "row"), "anywhere");
@@ -221,9 +223,9 @@ void add_chart(ptree& body, const PERF_RESULTS& results) {
   }
   const std::vector<shown_bar> shown = display_order(results.get_bars());
   add_text(element(body, "p"), "Each bar: the key (the value of " + chart.option +
-                                  " in that build), then the bar, as long as its " +
-                                  chart.valueLabel +
-                                  " against the largest, then the size and what the bar means.");
+                                   " in that build), then the bar, as long as its " +
+                                   chart.valueLabel +
+                                   " against the largest, then the size and what the bar means.");
   add_bars(body, shown);
   if (state == chart_state::all_errors)
     with_class(element(body, "p", state_sentence(state)), "state");

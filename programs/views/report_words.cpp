@@ -30,8 +30,11 @@ std::string formatted_time(uint64_t seconds, bool local, const char* format) {
 std::pair<char32_t, size_t> decode(const std::string& text, size_t i) {
   const auto byte = [&](size_t at) { return static_cast<unsigned char>(text[at]); };
   const unsigned char lead = byte(i);
-  const size_t length = lead < 0x80 ? 1 : lead >> 5 == 6 ? 2 : lead >> 4 == 14 ? 3
-                                        : lead >> 3 == 30 ? 4 : 0;
+  const size_t length = lead < 0x80       ? 1
+                        : lead >> 5 == 6  ? 2
+                        : lead >> 4 == 14 ? 3
+                        : lead >> 3 == 30 ? 4
+                                          : 0;
   if (length == 0 || i + length > text.size()) return {U'\uFFFD', 1};
   if (length == 1) return {lead, 1};
   char32_t point = lead & (0x7F >> length);
@@ -43,18 +46,35 @@ std::pair<char32_t, size_t> decode(const std::string& text, size_t i) {
 }
 
 bool in(char32_t point, std::initializer_list<std::pair<char32_t, char32_t>> ranges) {
-  return std::any_of(ranges.begin(), ranges.end(),
-                     [&](const auto& range) { return point >= range.first && point <= range.second; });
+  return std::any_of(ranges.begin(), ranges.end(), [&](const auto& range) {
+    return point >= range.first && point <= range.second;
+  });
 }
 
 size_t columns_of(char32_t point) {
-  if (in(point, {{0x0300, 0x036F}, {0x1AB0, 0x1AFF}, {0x1DC0, 0x1DFF}, {0x200B, 0x200F},
-                 {0x20D0, 0x20FF}, {0xFE00, 0xFE0F}, {0xFE20, 0xFE2F}}))
+  if (in(point, {{0x0300, 0x036F},
+                 {0x1AB0, 0x1AFF},
+                 {0x1DC0, 0x1DFF},
+                 {0x200B, 0x200F},
+                 {0x20D0, 0x20FF},
+                 {0xFE00, 0xFE0F},
+                 {0xFE20, 0xFE2F}}))
     return 0;
-  if (in(point, {{0x1100, 0x115F}, {0x2E80, 0x303E}, {0x3041, 0x33FF}, {0x3400, 0x4DBF},
-                 {0x4E00, 0x9FFF}, {0xA000, 0xA4CF}, {0xAC00, 0xD7A3}, {0xF900, 0xFAFF},
-                 {0xFE30, 0xFE4F}, {0xFF00, 0xFF60}, {0xFFE0, 0xFFE6}, {0x1F300, 0x1F64F},
-                 {0x1F900, 0x1F9FF}, {0x20000, 0x3FFFD}}))
+  if (in(point, {{0x1100, 0x115F},
+                 {0x2E80, 0x303E},
+                 {0x3041, 0x33FF},
+                 {0x3400, 0x4DBF},
+                 {0x4E00, 0x9FFF},
+                 {0xA000, 0xA4CF},
+                 {0xAC00, 0xD7A3},
+                 {0xF900, 0xFAFF},
+                 {0xFE30, 0xFE4F},
+                 {0xFF00, 0xFF60},
+                 {0xFFE0, 0xFFE6},
+                 {0x1F300, 0x1F64F},
+                 {0x1F680, 0x1F6FF},
+                 {0x1F900, 0x1F9FF},
+                 {0x20000, 0x3FFFD}}))
     return 2;
   return 1;
 }
@@ -97,7 +117,8 @@ const char* const link_time_rule =
 
 std::vector<shown_bar> display_order(const PERF_RESULTS::bar_map& bars) {
   std::vector<shown_bar> shown;
-  for (const auto& [key, bar] : bars) shown.emplace_back(&key, &bar);
+  for (const auto& [key, bar] : bars)
+    shown.emplace_back(&key, &bar);
   const bool numeric = std::all_of(bars.begin(), bars.end(),
                                    [](const auto& entry) { return is_number(entry.first); });
   if (numeric)
@@ -109,15 +130,15 @@ std::vector<shown_bar> display_order(const PERF_RESULTS::bar_map& bars) {
 
 chart_state state_of(const PERF_RESULTS::bar_map& bars) {
   if (bars.empty()) return chart_state::empty;
-  const bool all_errors = std::all_of(bars.begin(), bars.end(),
-                                      [](const auto& entry) { return entry.second.color == "red"; });
+  const bool all_errors = std::all_of(
+      bars.begin(), bars.end(), [](const auto& entry) { return entry.second.color == "red"; });
   return all_errors ? chart_state::all_errors : chart_state::bars;
 }
 
 const char* state_sentence(chart_state state) {
   switch (state) {
     case chart_state::empty:
-      return "No bars: no step of a series has added a build to this chart yet.";
+      return "No bars: the chart holds no build yet.";
     case chart_state::all_errors:
       return "Every build of this series linked with errors, so none is the best.";
     case chart_state::bars:
@@ -126,8 +147,7 @@ const char* state_sentence(chart_state state) {
   return "";
 }
 
-std::vector<std::pair<std::string, std::string>> settings_table(
-    const ADVICE::entry_map& entries) {
+std::vector<std::pair<std::string, std::string>> settings_table(const ADVICE::entry_map& entries) {
   std::vector<std::pair<std::string, std::string>> table;
   const auto entry = std::find_if(entries.begin(), entries.end(), [](const auto& e) {
     return e.second.advice_type == settings_type;

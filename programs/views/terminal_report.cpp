@@ -17,7 +17,7 @@
 namespace {
 
 constexpr size_t widest_bar = 40, narrowest_bar = 10;  // columns of the largest bar
-constexpr size_t narrowest_text = 20;  // advice is never wrapped narrower than this
+constexpr size_t narrowest_text = 20;                  // advice is never wrapped narrower than this
 
 size_t terminal_width() {
   if (const char* columns = std::getenv("COLUMNS")) {
@@ -105,8 +105,8 @@ void print_chart(std::ostream& out, const PERF_RESULTS& results, bool colour, si
   const size_t bar_columns =
       std::clamp(width - std::min(width, beside_bar), narrowest_bar, widest_bar);
   for (const auto& [key, bar] : display_order(bars)) {
-    const auto columns = largest ? static_cast<size_t>(uint64_t{bar->value} * bar_columns / largest)
-                                 : 0;
+    const auto columns =
+        largest ? static_cast<size_t>(uint64_t{bar->value} * bar_columns / largest) : 0;
     const char* on = colour ? ansi_colour(bar->color) : "";
     const char* off = *on ? "\033[0m" : "";
     out << "  " << padded(*key, key_width) << "  " << on << std::string(columns, '#') << off
@@ -119,8 +119,8 @@ void print_chart(std::ostream& out, const PERF_RESULTS& results, bool colour, si
 
 }  // namespace
 
-void print_report(std::ostream& out, const ADVICE& advice, const PERF_RESULTS& results,
-                  bool colour, size_t width) {
+void print_report(std::ostream& out, const ADVICE& advice, const PERF_RESULTS& results, bool colour,
+                  size_t width) {
   if (width == 0) width = terminal_width();
   print_times(out, advice, results);
   print_settings(out, advice.get_entries());

@@ -11,5 +11,5 @@ class PERF_RESULTS;
 // Writes the report to out; with colour, bars and meanings carry ANSI colours.
 // Advice is wrapped to width columns; 0 takes the width from COLUMNS, else
 // from the terminal on standard output, else 80.
-void print_report(std::ostream& out, const ADVICE& advice, const PERF_RESULTS& results,
-                  bool colour, size_t width = 0);
+void print_report(std::ostream& out, const ADVICE& advice, const PERF_RESULTS& results, bool colour,
+                  size_t width = 0);

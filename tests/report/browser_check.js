@@ -1,16 +1,12 @@
-// Opens report pages in the system's Chromium at a narrow and a wide window and
-// prints, as JSON, per page and width: the axe-core violations, what lies
-// outside the window, bar fills that stand too close to the background or to
-// a bar of another meaning, and whether a shortened key shows in full on focus.
+// Opens report pages in the system's Chromium 360 and 1,200 px wide; prints as JSON
+// per page and width the axe-core violations, what lies outside the window, fills too
+// close to the background or to a bar of another meaning, and if a shortened key shows
+// in full on focus.
 // Usage: node browser_check.js CHROMIUM SCREENSHOT_DIR|- PAGE...
 'use strict';
-const fs = require('fs');
-const os = require('os');
-const path = require('path');
+const fs = require('fs'), os = require('os'), path = require('path');
 const { chromium } = require('playwright-core');
-
 const [executable, shots, ...pages] = process.argv.slice(2);
-const widths = [360, 1200];
 
 // Runs in the page: the layout and contrast findings.
 function measure() {
@@ -21,10 +17,8 @@ function measure() {
     });
     return 0.2126 * r + 0.7152 * g + 0.0722 * b;
   };
-  const contrast = (a, b) => {
-    const [x, y] = [luminance(a), luminance(b)].sort((p, q) => q - p);
-    return (x + 0.05) / (y + 0.05);
-  };
+  const contrast = (a, b) => (Math.max(luminance(a), luminance(b)) + 0.05) /
+                            (Math.min(luminance(a), luminance(b)) + 0.05);
   const width = document.documentElement.clientWidth;
   const outside = [];
   if (document.documentElement.scrollWidth > width) outside.push('page ' + document.documentElement.scrollWidth);
@@ -48,9 +42,8 @@ function measure() {
   const key = [...document.querySelectorAll('.chart .key')].find((k) => k.scrollWidth > k.clientWidth);
   let shortened = null;
   if (key) {
-    key.focus();
+    key.focus();  // a shortened key shows in full, within the window
     shortened = { full_on_focus: key.scrollWidth <= key.clientWidth && key.getBoundingClientRect().right <= width };
-    key.blur();
   }
   return { bars: bars.length, outside, low_contrast: [...new Set(low)], shortened };
 }
@@ -68,7 +61,7 @@ function measure() {
   try {
     for (const page of pages) {
       results[page] = {};
-      for (const width of widths) {
+      for (const width of [360, 1200]) {
         const tab = await context.newPage();
         await tab.setViewportSize({ width, height: 900 });
         await tab.goto('file://' + path.resolve(page));
