@@ -96,7 +96,7 @@ const char* meaning_mark(const std::string& color) {
 const std::vector<LEGEND_ROW>& legend_rows() {
   static const std::vector<LEGEND_ROW> rows = {
       {"best", "green", "the best setting of a --opt_for_speed series, by the rule below"},
-      {"error", "red", "the build linked with errors; it is never the best"},
+      {"error", "red", "the link of the build reported errors; it is never the best"},
       {"other", "yellow, cyan",
        "yellow: a build of a --opt_for_speed series that is not the best; "
        "cyan: a build of a series over another option, which has no best"},
@@ -105,15 +105,15 @@ const std::vector<LEGEND_ROW>& legend_rows() {
 }
 
 const char* const best_rule =
-    "Best: the largest code size among the builds that linked without errors.";
+    "Best: the largest code size among the builds whose link reported no errors.";
 const char* const best_rule_detail =
     "Of equal sizes, the key that sorts last as text is the best. For --opt_for_speed this "
     "is the most speed that still fits. Only a series over --opt_for_speed has a best bar, "
     "and code size is its only measure: no running time is measured.";
 const char* const link_time_rule =
     "A step of a series adds a bar only when its link information is not older than the "
-    "results document (a link in the same second counts as new) and gives a code size above "
-    "0; otherwise no link happened for that build and the step adds no bar.";
+    "results document (a link in the same second counts as new): older link information means "
+    "that no link happened for that build. A link that gives no code size adds no bar either.";
 
 std::vector<shown_bar> display_order(const PERF_RESULTS::bar_map& bars) {
   std::vector<shown_bar> shown;

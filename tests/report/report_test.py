@@ -81,7 +81,7 @@ def check_chart_lines(work, bars, tail):
 
 
 def check_terminal(work):
-    best = "Best: the largest code size among the builds that linked without errors."
+    best = "Best: the largest code size among the builds whose link reported no errors."
     cases = [  # bars, the lines under them
         ([("0", 300, "yellow"), ("10", 900, "green"), ("2", 500, "yellow")], [best]),
         ([("b", 300, "yellow"), ("a", 900, "red")], [best]),
