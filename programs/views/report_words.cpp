@@ -45,38 +45,31 @@ std::pair<char32_t, size_t> decode(const std::string& text, size_t i) {
   return {point, length};
 }
 
-bool in(char32_t point, std::initializer_list<std::pair<char32_t, char32_t>> ranges) {
-  return std::any_of(ranges.begin(), ranges.end(), [&](const auto& range) {
+// Code points that a terminal shows in no column of their own (combining
+// marks, zero-width characters) and those it shows two columns wide (East
+// Asian wide and full-width characters, emoji).
+using code_range = std::pair<char32_t, char32_t>;
+// clang-format off
+constexpr code_range zero_width[] = {
+    {0x0300, 0x036F}, {0x1AB0, 0x1AFF}, {0x1DC0, 0x1DFF}, {0x200B, 0x200F},
+    {0x20D0, 0x20FF}, {0xFE00, 0xFE0F}, {0xFE20, 0xFE2F}};
+constexpr code_range double_width[] = {
+    {0x1100, 0x115F}, {0x2E80, 0x303E}, {0x3041, 0x33FF}, {0x3400, 0x4DBF},
+    {0x4E00, 0x9FFF}, {0xA000, 0xA4CF}, {0xAC00, 0xD7A3}, {0xF900, 0xFAFF},
+    {0xFE30, 0xFE4F}, {0xFF00, 0xFF60}, {0xFFE0, 0xFFE6}, {0x1F300, 0x1F64F},
+    {0x1F680, 0x1F6FF}, {0x1F900, 0x1F9FF}, {0x20000, 0x3FFFD}};
+// clang-format on
+
+template <size_t count>
+bool in(char32_t point, const code_range (&ranges)[count]) {
+  return std::any_of(std::begin(ranges), std::end(ranges), [&](const code_range& range) {
     return point >= range.first && point <= range.second;
   });
 }
 
 size_t columns_of(char32_t point) {
-  if (in(point, {{0x0300, 0x036F},
-                 {0x1AB0, 0x1AFF},
-                 {0x1DC0, 0x1DFF},
-                 {0x200B, 0x200F},
-                 {0x20D0, 0x20FF},
-                 {0xFE00, 0xFE0F},
-                 {0xFE20, 0xFE2F}}))
-    return 0;
-  if (in(point, {{0x1100, 0x115F},
-                 {0x2E80, 0x303E},
-                 {0x3041, 0x33FF},
-                 {0x3400, 0x4DBF},
-                 {0x4E00, 0x9FFF},
-                 {0xA000, 0xA4CF},
-                 {0xAC00, 0xD7A3},
-                 {0xF900, 0xFAFF},
-                 {0xFE30, 0xFE4F},
-                 {0xFF00, 0xFF60},
-                 {0xFFE0, 0xFFE6},
-                 {0x1F300, 0x1F64F},
-                 {0x1F680, 0x1F6FF},
-                 {0x1F900, 0x1F9FF},
-                 {0x20000, 0x3FFFD}}))
-    return 2;
-  return 1;
+  if (in(point, zero_width)) return 0;
+  return in(point, double_width) ? 2 : 1;
 }
 
 }  // namespace

@@ -29,10 +29,7 @@ function measure() {
       if (box.left < 0 || box.right > width + 0.5) outside.push(bar.className + ' ' + part.getAttribute('class'));
     }
   const background = getComputedStyle(document.body).backgroundColor;
-  const fills = bars.map((bar) => {
-    const style = getComputedStyle(bar.querySelector('rect'));
-    return { meaning: bar.className, fill: style.fill, stroke: style.stroke };
-  });
+  const fills = bars.map((bar) => ({ meaning: bar.className, ...getComputedStyle(bar.querySelector('rect')) }));
   const low = [];
   for (const a of fills) {
     if (Math.max(contrast(a.fill, background), contrast(a.stroke, background)) < 3) low.push(a.meaning + ' on background');
