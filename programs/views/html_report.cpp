@@ -143,6 +143,13 @@ void add_advice(ptree& body, const ADVICE::entry_map& entries) {
   }
 }
 
+// Text for an element that must not be empty: a header cell needs words, and
+// an empty span would be written as <span/>, which a browser reading the page
+// as HTML takes for an open tag.
+std::string shown_text(const std::string& text, const char* instead) {
+  return text.empty() ? instead : text;
+}
+
 std::string fill_class(const std::string& color) {
   for (const char* known : {"green", "red", "yellow", "cyan"})
     if (color == known) return std::string("fill-") + known;
@@ -176,7 +183,7 @@ void add_bars(ptree& section, const std::vector<shown_bar>& shown) {
   ptree& list = with_class(element(section, "ul"), "chart");
   for (const auto& [key, bar] : shown) {
     ptree& row = with_class(element(list, "li"), std::string("bar ") + bar_meaning(bar->color));
-    ptree& label = with_class(element(row, "span", *key), "key");
+    ptree& label = with_class(element(row, "span", shown_text(*key, "(empty key)")), "key");
     attr(attr(label, "tabindex", "0"), "title", *key);
     // A bar of any size stays visible beside one many times larger.
     const double fraction =
@@ -201,11 +208,12 @@ void add_legend(ptree& section) {
 }
 
 void add_data_table(ptree& section, const CHART_INFO& chart, const std::vector<shown_bar>& shown) {
-  ptree& rows =
-      table(section, chart.title + ": the bars as data", {"Key", chart.valueLabel, "Meaning"});
+  ptree& rows = table(section, chart.title + ": the bars as data",
+                      {"Key", shown_text(chart.valueLabel, "Value"), "Meaning"});
   for (const auto& [key, bar] : shown) {
     ptree& row = element(rows, "tr");
-    with_class(attr(element(row, "th", *key), "scope", "row"), "anywhere");
+    with_class(attr(element(row, "th", shown_text(*key, "(empty key)")), "scope", "row"),
+               "anywhere");
     with_class(element(row, "td", std::to_string(bar->value)), "number");
     element(row, "td", bar_meaning(bar->color));
   }
