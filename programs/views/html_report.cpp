@@ -99,7 +99,7 @@ void add_time(ptree& parent, const std::string& what, uint64_t timestamp) {
     element(line, "span", local_time(timestamp));
     return;
   }
-  attr(element(line, "time", local_time(timestamp)), "datetime", utc_time(timestamp));
+  attr(element(line, "time", local_time(timestamp)), "datetime", iso8601_utc(timestamp));
 }
 
 void add_settings(ptree& body, const ADVICE::entry_map& entries) {

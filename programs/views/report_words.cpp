@@ -16,8 +16,9 @@ bool is_number(const std::string& key) {
   return std::regex_match(key, number);
 }
 
+// seconds since the epoch in format, as local time or UTC; "" when they
+// can't be shown.
 std::string formatted_time(uint64_t seconds, bool local, const char* format) {
-  if (seconds == 0) return "";
   const auto time = static_cast<std::time_t>(seconds);
   std::tm parts{};
   if ((local ? localtime_r(&time, &parts) : gmtime_r(&time, &parts)) == nullptr) return "";
@@ -142,11 +143,9 @@ const char* state_sentence(chart_state state) {
 
 std::vector<std::pair<std::string, std::string>> settings_table(const ADVICE::entry_map& entries) {
   std::vector<std::pair<std::string, std::string>> table;
-  const auto entry = std::find_if(entries.begin(), entries.end(), [](const auto& e) {
-    return e.second.advice_type == settings_type;
-  });
-  if (entry == entries.end()) return table;
-  std::istringstream words(entry->second.msg);
+  const ADVICE_INFO* settings = settings_entry(entries);
+  if (settings == nullptr) return table;
+  std::istringstream words(settings->msg);
   for (std::string word; words >> word;) {
     if (!word.starts_with('-')) continue;
     const size_t equals = word.find('=');
@@ -156,6 +155,17 @@ std::vector<std::pair<std::string, std::string>> settings_table(const ADVICE::en
       table.emplace_back(word.substr(0, equals), word.substr(equals + 1));
   }
   return table;
+}
+
+const ADVICE_INFO* settings_entry(const ADVICE::entry_map& entries) {
+  for (const auto& [code, info] : entries)
+    if (info.advice_type == settings_type) return &info;
+  return nullptr;
+}
+
+std::string settings_line(const ADVICE::entry_map& entries) {
+  const ADVICE_INFO* settings = settings_entry(entries);
+  return settings ? settings->msg : "none recorded";
 }
 
 bool is_listed_advice(const ADVICE_INFO& info) {
@@ -174,12 +184,8 @@ const char* nothing_recommended(const ADVICE_INFO& info) {
 }
 
 std::string local_time(uint64_t seconds) {
-  const std::string text = formatted_time(seconds, true, "%Y-%m-%d %H:%M:%S %Z");
+  const std::string text = seconds ? formatted_time(seconds, true, "%Y-%m-%d %H:%M:%S %Z") : "";
   return text.empty() ? "not recorded" : text;
-}
-
-std::string utc_time(uint64_t seconds) {
-  return formatted_time(seconds, false, "%Y-%m-%dT%H:%M:%SZ");
 }
 
 size_t display_width(const std::string& text) {
@@ -213,4 +219,14 @@ std::vector<std::string> wrap_words(const std::string& text, size_t width) {
   }
   if (!line.empty()) lines.push_back(line);
   return lines;
+}
+
+std::string best_key(const PERF_RESULTS::bar_map& bars) {
+  for (const auto& [key, bar] : bars)
+    if (bar.color == "green") return key;
+  return "";
+}
+
+std::string iso8601_utc(uint64_t seconds) {
+  return formatted_time(seconds, false, "%Y-%m-%dT%H:%M:%SZ");
 }

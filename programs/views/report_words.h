@@ -49,6 +49,11 @@ const char* state_sentence(chart_state state);
 // ("--opt_level=2" gives "--opt_level", "2"; a bare "-g" gives "-g", "on").
 // Empty when no settings entry stands.
 std::vector<std::pair<std::string, std::string>> settings_table(const ADVICE::entry_map& entries);
+// The entry stating the current settings, or nullptr (points into entries).
+const ADVICE_INFO* settings_entry(const ADVICE::entry_map& entries);
+
+// The text of the entry stating the current settings, or "none recorded".
+std::string settings_line(const ADVICE::entry_map& entries);
 
 // Whether an entry is shown in the advice list (all but the settings entry).
 bool is_listed_advice(const ADVICE_INFO& info);
@@ -63,8 +68,6 @@ const char* nothing_recommended(const ADVICE_INFO& info);
 // A document's time stamp (seconds since the epoch) as local date and time,
 // "YYYY-MM-DD HH:MM:SS ZONE"; "not recorded" for 0.
 std::string local_time(uint64_t seconds);
-// The same instant for a machine, "YYYY-MM-DDTHH:MM:SSZ"; "" for 0.
-std::string utc_time(uint64_t seconds);
 
 // Columns that a UTF-8 text takes on a terminal: wide East Asian characters
 // count two, combining marks none, a byte that is no UTF-8 one.
@@ -73,3 +76,10 @@ size_t display_width(const std::string& text);
 // Splits text at blanks into lines of at most width columns; a word wider
 // than that stands alone on a line of its own, never broken.
 std::vector<std::string> wrap_words(const std::string& text, size_t width);
+
+// The key of the first green bar, or "" when no bar is marked best.
+std::string best_key(const PERF_RESULTS::bar_map& bars);
+
+// A time in seconds since the Unix epoch as ISO 8601 in UTC:
+// "2025-11-11T08:45:20Z".
+std::string iso8601_utc(uint64_t seconds);

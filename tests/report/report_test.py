@@ -58,7 +58,8 @@ def write_documents(work, bars, advice=()):
 
 def numeric_order(bars):
     numeric = all(k.lstrip("+-").replace(".", "", 1).isdigit() for k, _, _ in bars)
-    return sorted(bars, key=(lambda b: float(b[0])) if numeric else (lambda b: b[0].encode()))
+    bars = sorted(bars, key=lambda b: b[0].encode())
+    return sorted(bars, key=lambda b: float(b[0])) if numeric else bars
 
 
 def meaning(color):
@@ -69,8 +70,9 @@ def check_chart_lines(work, bars, tail):
     done = run("advice.xml", "perf_results.xml", cwd=work, env={"COLUMNS": "80"})
     check(done.returncode == 0 and "\x1b" not in done.stdout, "plain report: " + done.stderr)
     lines = done.stdout.splitlines()
-    check(lines[:2] == ["Advice document written:  " + STAMP_TEXT,
-                        "Results document written: " + STAMP_TEXT], "time stamps: %s" % lines[:2])
+    check(lines[:6] == ["Advice document written:  " + STAMP_TEXT, "Results document written: "
+                        + STAMP_TEXT, "", "Current settings:", "  --opt_level      2",
+                        "  --opt_for_speed  2"], "head of the report: %s" % lines[:6])
     largest = max([value for _, value, _ in bars] or [0])
     width = max([len(key) for key, _, _ in bars] or [0])
     expected = ["  %s%s  %-40s %10d  %s" % (key, " " * (width - len(key)), "#" *
@@ -85,6 +87,7 @@ def check_terminal(work):
     cases = [  # bars, the lines under them
         ([("0", 300, "yellow"), ("10", 900, "green"), ("2", 500, "yellow")], [best]),
         ([("b", 300, "yellow"), ("a", 900, "red")], [best]),
+        ([(k, 10, "yellow") for k in ("2", "10", "-1", "1.5", "02", "+3")], [best]),  # ties: text
         ([], ["  No bars: the chart holds no build yet.", best]),
         ([("1", 20, "red"), ("3", 40, "red")],
          ["  Every build of this series linked with errors, so none is the best.", best]),
@@ -94,10 +97,11 @@ def check_terminal(work):
         check_chart_lines(os.path.join(work, str(n)), bars, tail)
 
     # Keys line up by the columns a terminal gives them, not by bytes.
-    write_documents(work, [("é", 10, "yellow"), ("日本", 20, "green"), ("ab", 5, "yellow")])
+    write_documents(work, [("é", 10, "yellow"), ("日本", 20, "green"), ("ab", 5, "yellow"),
+                           ("e\u0301\u0301", 7, "red"), ("🚀", 8, "yellow")])
     shown = run("advice.xml", "perf_results.xml", cwd=work).stdout.splitlines()
-    starts = {sum(1 + (unicodedata.east_asian_width(c) in "WF") for c in line[:line.index("#")])
-              for line in shown if "#" in line}
+    starts = {sum(0 if unicodedata.combining(c) else 1 + (unicodedata.east_asian_width(c) in "WF")
+                  for c in line[:line.index("#")]) for line in shown if "#" in line}
     check(len(starts) == 1, "unaligned keys:\n" + "\n".join(shown))
 
     # Advice wraps at COLUMNS, between words only.
@@ -113,12 +117,23 @@ def check_terminal(work):
 
 
 def check_colour(work):
-    for env, coloured in (({}, True), ({"NO_COLOR": "1"}, False)):
-        environment = {k: v for k, v in os.environ.items() if k != "NO_COLOR"}
-        on_terminal = subprocess.run(  # script(1) gives the report a terminal
-            ["script", "-qec", shlex.quote(report) + " advice.xml perf_results.xml", "/dev/null"],
-            cwd=work, capture_output=True, text=True, env={**environment, **env}).stdout
-        check(("\x1b[32m" in on_terminal) == coloured, "colour on a terminal with %s" % env)
+    environment = {k: v for k, v in os.environ.items() if k not in ("NO_COLOR", "TERM")}
+    table = [  # --color, environment, on a terminal, coloured
+        ([], {"TERM": "xterm"}, True, True),
+        ([], {"TERM": "xterm", "NO_COLOR": "1"}, True, False),
+        ([], {"TERM": "dumb"}, True, False),
+        (["--color=never"], {"TERM": "xterm"}, True, False),
+        (["--color=always"], {"TERM": "dumb", "NO_COLOR": "1"}, False, True),
+        (["--color=auto"], {"TERM": "xterm"}, False, False),
+    ]
+    for option, env, terminal, coloured in table:
+        command = [report, *option, "advice.xml", "perf_results.xml"]
+        if terminal:  # script(1) gives the report a terminal
+            command = ["script", "-qec", " ".join(map(shlex.quote, command)), "/dev/null"]
+        shown = subprocess.run(command, cwd=work, capture_output=True, text=True,
+                               env={**environment, **env}).stdout
+        check(("\x1b[32m" in shown) == coloured,
+              "colour %s with %s, terminal %s" % (option, env, terminal))
 
 
 def long_keys():
@@ -187,7 +202,7 @@ def check_bad_documents(work):
     ]
     for args, message in cases:
         done = run(*args, cwd=work)
-        check(done.returncode == 1 and message in done.stderr and not done.stdout,
+        check(done.returncode == 2 and message in done.stderr and not done.stdout,
               "%s: status %d, %r" % (args, done.returncode, done.stderr))
 
 
