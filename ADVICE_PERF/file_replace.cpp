@@ -99,10 +99,10 @@ void rewrite_in_place(const std::string& file, std::string_view text, const std:
   bool written = read_all(fd, old_text);
   written = written && write_all(fd, text, 0) &&
             ftruncate(fd, static_cast<off_t>(text.size())) == 0 && fsync(fd) == 0;
-  if (!written) {
-    write_all(fd, old_text, 0);
-    ftruncate(fd, static_cast<off_t>(old_text.size()));
-    fsync(fd);
+  if (!written) {  // put the old content back, as far as the disk lets us
+    const bool restored =
+        write_all(fd, old_text, 0) && ftruncate(fd, static_cast<off_t>(old_text.size())) == 0;
+    if (restored) fsync(fd);
   }
   close(fd);
   if (!written) fail("write error", path);

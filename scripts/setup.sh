@@ -24,7 +24,10 @@ have_file /usr/include/gmock/gmock.h                 || missing+=(libgmock-dev)
 have_file /usr/include/benchmark/benchmark.h         || missing+=(libbenchmark-dev)
 have_cmd xmllint  || missing+=(libxml2-utils)  # validates the documents against their schemas
 have_cmd chromium || missing+=(chromium)       # the report's HTML page is checked in a browser
+have_cmd node     || missing+=(nodejs)  # drives Chromium for the page's accessibility checks
+have_cmd npm      || missing+=(npm)
 have_cmd dpkg-shlibdeps || missing+=(dpkg-dev)  # cpack -G DEB
+have_cmd lintian  || missing+=(lintian)         # checks the Debian package as Debian does
 have_file /usr/include/libxml2/libxml/parser.h       || missing+=(libxml2-dev)
 # the JSON Schema check
 python3 -c 'import jsonschema' 2>/dev/null           || missing+=(python3-jsonschema)
@@ -33,13 +36,22 @@ have_cmd clang++ || missing+=(clang)
 dpkg -s libclang-rt-14-dev >/dev/null 2>&1 || missing+=(libclang-rt-14-dev)
 fi
 
-if [ ${#missing[@]} -eq 0 ]; then
-    exit 0
+if [ ${#missing[@]} -gt 0 ]; then
+    echo "setup: installing ${missing[*]}"
+    sudo_cmd=()
+    [ "$(id -u)" -eq 0 ] || sudo_cmd=(sudo)
+    export DEBIAN_FRONTEND=noninteractive
+    "${sudo_cmd[@]}" apt-get update -qq
+    "${sudo_cmd[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}"
 fi
 
-echo "setup: installing ${missing[*]}"
-sudo_cmd=()
-[ "$(id -u)" -eq 0 ] || sudo_cmd=(sudo)
-export DEBIAN_FRONTEND=noninteractive
-"${sudo_cmd[@]}" apt-get update -qq
-"${sudo_cmd[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}"
+# axe-core and the Chromium driver of the page checks, at the versions that
+# tests/report/package-lock.json pins, into tests/report/node_modules; again
+# whenever the lock file is newer than what is installed. No browser is
+# downloaded: the checks use the system's Chromium.
+report_tests="$(cd "$(dirname "$0")/.." && pwd)/tests/report"
+if [ "$what" != example ] &&
+   [ "$report_tests/package-lock.json" -nt "$report_tests/node_modules/.package-lock.json" ]; then
+    echo "setup: installing the page checks' npm packages into $report_tests/node_modules"
+    (cd "$report_tests" && PLAYWRIGHT_SKIP_BROWSER_DOWNLOAD=1 npm ci --no-audit --no-fund --silent)
+fi

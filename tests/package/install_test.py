@@ -1,13 +1,16 @@
 #!/usr/bin/env python3
 """Installs the build into a temporary prefix and packs it as a Debian package;
-both must hold the programs, man pages and schemas (XML and JSON). The installed
-advzorv-series plays a benchmark series with the installed advzorv beside it;
-its documents must validate against the installed schemas and be readable by
-the installed advzorv-report; the man page must list the options --help lists.
+both must hold the programs, man pages, schemas (XML and JSON), copyright file
+and changelog. The installed advzorv-series plays a benchmark series with the
+installed advzorv beside it; its documents must validate against the installed
+schemas and be readable by the installed advzorv-report; the man page must list
+the options --help lists. With LINTIAN, lintian must find nothing to report on
+the package, not even a pedantic or informational tag.
 
-Usage: install_test.py BUILD_DIR PLAY_SERIES
+Usage: install_test.py BUILD_DIR PLAY_SERIES [LINTIAN]
 """
 import glob
+import gzip
 import os
 import re
 import subprocess
@@ -15,11 +18,13 @@ import sys
 import tempfile
 
 build, play_series = map(os.path.abspath, sys.argv[1:3])
+lintian = sys.argv[3] if len(sys.argv) > 3 else ""
 FILES = {"bin/advzorv", "bin/advzorv-report", "bin/advzorv-series",
-         "share/man/man1/advzorv.1", "share/man/man1/advzorv-report.1",
-         "share/man/man1/advzorv-series.1", "share/advzorv/advice.xsd",
+         "share/man/man1/advzorv.1.gz", "share/man/man1/advzorv-report.1.gz",
+         "share/man/man1/advzorv-series.1.gz", "share/advzorv/advice.xsd",
          "share/advzorv/perf_results.xsd", "share/advzorv/report_documents.schema.json",
-         "share/advzorv/report_sizes.schema.json", "share/advzorv/report_diff.schema.json"}
+         "share/advzorv/report_sizes.schema.json", "share/advzorv/report_diff.schema.json",
+         "share/doc/advzorv/changelog.gz", "share/doc/advzorv/copyright"}
 failures = []
 
 
@@ -61,7 +66,7 @@ with tempfile.TemporaryDirectory(prefix="advzorv-install-") as tmp:
     shown = subprocess.run([os.path.join(prefix, "bin/advzorv"), "--help"],
                            capture_output=True, text=True).stdout
     listed = [line for line in shown.splitlines() if line.startswith("  -")]
-    with open(os.path.join(prefix, "share/man/man1/advzorv.1")) as page:
+    with gzip.open(os.path.join(prefix, "share/man/man1/advzorv.1.gz"), "rt") as page:
         options = page.read().split(".SH OPTIONS")[1].split(".SH")[0].replace("\\-", "-")
     if long_options("\n".join(listed)) != long_options(re.sub(r"^[^\\].*$", "", options,
                                                               flags=re.M)):
@@ -75,6 +80,9 @@ with tempfile.TemporaryDirectory(prefix="advzorv-install-") as tmp:
               if not line.startswith("d")}
     if packed != FILES:
         failures.append("the Debian package holds %s" % sorted(packed))
+    tags = run(lintian, "--pedantic", "--display-info", *packages[:1]) if lintian else ""
+    if tags.strip():
+        failures.append("lintian:\n" + tags)
 
 print("\n".join(failures) or "ok")
 sys.exit(1 if failures else 0)

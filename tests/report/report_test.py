@@ -1,18 +1,27 @@
 #!/usr/bin/env python3
-"""advzorv-report on the documents of a whole benchmark series: the terminal
-report, its colours, the HTML page as a browser builds it, and bad documents.
+"""advzorv-report on the documents of a whole benchmark series and on documents
+made here (30 long keys, an empty chart, a series whose builds all failed, odd
+keys): the terminal report, its colours, the HTML page in a browser, and bad
+documents.
 
-Usage: report_test.py ADVZORV ADVZORV_REPORT PLAY_SERIES [CHROMIUM]
+Usage: report_test.py ADVZORV ADVZORV_REPORT PLAY_SERIES [CHROMIUM NODE]
+Set ADVZORV_SCREENSHOTS to a directory to keep screenshots of the pages.
 """
+import json
 import os
 import shlex
 import subprocess
 import sys
 import tempfile
+import time
+import unicodedata
 import xml.etree.ElementTree as ET
 
 advzorv, report, play_series = map(os.path.abspath, sys.argv[1:4])
-chromium = sys.argv[4] if len(sys.argv) > 4 else ""
+chromium, node = (sys.argv[4:6] + ["", ""])[:2]
+here = os.path.dirname(os.path.abspath(__file__))
+STAMP = 0x6900a1b2
+STAMP_TEXT = time.strftime("%Y-%m-%d %H:%M:%S UTC", time.gmtime(STAMP))  # the report runs in UTC
 failures = []
 
 
@@ -21,27 +30,90 @@ def check(ok, what):
         failures.append(what)
 
 
-def run(*args, **kw):
-    return subprocess.run([report, *args], capture_output=True, text=True, **kw)
+def run(*args, env=None, **kw):
+    return subprocess.run([report, *args], capture_output=True, text=True,
+                          env={**os.environ, "TZ": "UTC", **(env or {})}, **kw)
 
 
-def check_terminal(work, bars, entries):
-    done = run("advice.xml", "perf_results.xml", cwd=work)
+def write_documents(work, bars, advice=()):
+    """An advice and a results document as advzorv writes them."""
+    os.makedirs(work, exist_ok=True)
+    entries = [("00000", "curr_setting", "", "",
+                "advice: Current optimization/debug settings:  --opt_level=2  --opt_for_speed=2"),
+               *advice]
+    with open(os.path.join(work, "advice.xml"), "w") as f:
+        f.write("<body><version>1</version><timestamp>%#x</timestamp>" % STAMP)
+        for code, kind, opt, value, text in entries:
+            f.write('<advice diag_code="%s" advice_type="%s" option="%s" value="%s">%s</advice>'
+                    % (code, kind, opt, value, text))
+        f.write("</body>")
+    chart = ET.Element("chart", option="--opt_for_speed", title="Vary Size vs Speed Setting",
+                       valueLabel="Code Size (bytes)")
+    for key, value, color in bars:
+        ET.SubElement(chart, "bar", option_value=key, value=str(value), color=color)
+    with open(os.path.join(work, "perf_results.xml"), "w") as f:
+        f.write("<body><version>1</version><timestamp>%#x</timestamp>%s</body>"
+                % (STAMP, ET.tostring(chart, encoding="unicode")))
+
+
+def numeric_order(bars):
+    numeric = all(k.lstrip("+-").replace(".", "", 1).isdigit() for k, _, _ in bars)
+    bars = sorted(bars, key=lambda b: b[0].encode())
+    return sorted(bars, key=lambda b: float(b[0])) if numeric else bars
+
+
+def meaning(color):
+    return {"green": "best", "red": "error"}.get(color, "other")
+
+
+def check_chart_lines(work, bars, tail):
+    done = run("advice.xml", "perf_results.xml", cwd=work, env={"COLUMNS": "80"})
     check(done.returncode == 0 and "\x1b" not in done.stdout, "plain report: " + done.stderr)
     lines = done.stdout.splitlines()
-    largest = max(value for _, value, _ in bars)
-    for key, value, color in bars:
-        meaning = {"green": "best", "red": "error"}.get(color, "other")
-        line = "  %s  %-40s %10d  %s" % (key, "#" * (value * 40 // largest), value, meaning)
-        check(line in lines, "no chart line %r in\n%s" % (line, done.stdout))
-    for code, advice in entries:
-        text = " ".join(advice.text.split())  # as the reader trims it
-        if advice.get("advice_type") == "curr_setting":
-            check("  " + text in lines, "settings missing")
-            continue
-        check("  %s  %s" % (code, text) in lines, "entry %s missing" % code)
-        wanted = "recommends %s=%s" % (advice.get("option"), advice.get("value"))
-        check(wanted in done.stdout, wanted + " missing")
+    check(lines[:6] == ["Advice document written:  " + STAMP_TEXT, "Results document written: "
+                        + STAMP_TEXT, "", "Current settings:", "  --opt_level      2",
+                        "  --opt_for_speed  2"], "head of the report: %s" % lines[:6])
+    largest = max([value for _, value, _ in bars] or [0])
+    width = max([len(key) for key, _, _ in bars] or [0])
+    expected = ["  %s%s  %-40s %10d  %s" % (key, " " * (width - len(key)), "#" *
+                (value * 40 // largest), value, meaning(color))
+                for key, value, color in numeric_order(bars)]
+    check(lines[-len(expected) - len(tail):] == expected + tail,
+          "chart of %s:\n%s" % (bars, done.stdout))
+
+
+def check_terminal(work):
+    best = "Best: the largest code size among the builds whose link reported no errors."
+    cases = [  # bars, the lines under them
+        ([("0", 300, "yellow"), ("10", 900, "green"), ("2", 500, "yellow")], [best]),
+        ([("b", 300, "yellow"), ("a", 900, "red")], [best]),
+        ([(k, 10, "yellow") for k in ("2", "10", "-1", "1.5", "02", "+3")], [best]),  # ties: text
+        ([], ["  No bars: the chart holds no build yet.", best]),
+        ([("1", 20, "red"), ("3", 40, "red")],
+         ["  Every build of this series linked with errors, so none is the best.", best]),
+    ]
+    for n, (bars, tail) in enumerate(cases):
+        write_documents(os.path.join(work, str(n)), bars)
+        check_chart_lines(os.path.join(work, str(n)), bars, tail)
+
+    # Keys line up by the columns a terminal gives them, not by bytes.
+    write_documents(work, [("é", 10, "yellow"), ("日本", 20, "green"), ("ab", 5, "yellow"),
+                           ("e\u0301\u0301", 7, "red"), ("🚀", 8, "yellow")])
+    shown = run("advice.xml", "perf_results.xml", cwd=work).stdout.splitlines()
+    starts = {sum(0 if unicodedata.combining(c) else 1 + (unicodedata.east_asian_width(c) in "WF")
+                  for c in line[:line.index("#")]) for line in shown if "#" in line}
+    check(len(starts) == 1, "unaligned keys:\n" + "\n".join(shown))
+
+    # Advice wraps at COLUMNS, between words only.
+    text = "advice #27011-D: Tunewise completed and best results were obtained with speed " \
+           "vs size setting 4 (--opt_for_speed=4)."
+    write_documents(work, [], [("27011", "build_results", "--opt_for_speed", "4", text)])
+    for columns in ("30", "50", "200"):
+        shown = run("advice.xml", "perf_results.xml", cwd=work, env={"COLUMNS": columns}).stdout
+        block = shown.split("Advice:\n")[1].split("\n\n")[0].splitlines()
+        check(max(map(len, block)) <= max(int(columns), 29) and
+              " ".join(" ".join(block).split()) == "27011 " + text +
+              " recommends --opt_for_speed=4", "advice at %s columns:\n%s" % (columns, shown))
 
 
 def check_colour(work):
@@ -64,33 +136,60 @@ def check_colour(work):
               "colour %s with %s, terminal %s" % (option, env, terminal))
 
 
-def check_page(work, bars):
-    page = os.path.join(work, "report.xhtml")  # the browser parses it as XML
-    check(run("--html", page, "advice.xml", "perf_results.xml", cwd=work).returncode == 0,
-          "--html failed")
+def long_keys():
+    colors = ["yellow"] * 30
+    colors[7], colors[12], colors[21] = "red", "green", "red"
+    return [("build %02d with --opt_for_speed and a much longer name than a chart has room for"
+             % n, 20000 + 997 * n, colors[n]) for n in range(30)]
+
+
+def make_page(work, name):
+    page = os.path.join(work, name + ".xhtml")  # the browser parses it as XML
+    done = run("--html", page, "advice.xml", "perf_results.xml", cwd=work)
+    check(done.returncode == 0, "--html failed: " + done.stderr)
     lint = subprocess.run(["xmllint", "--noout", page], capture_output=True, text=True)
     check(lint.returncode == 0, "page is not well-formed XML: " + lint.stderr)
-    if not chromium:
-        print("chromium not found: the page is not checked in a browser")
+    return page
+
+
+def check_data_table(page, bars):  # every bar, in the order the chart shows them
+    x = "{http://www.w3.org/1999/xhtml}"
+    tables = [t for t in ET.parse(page).iter(x + "table")
+              if t.find(x + "caption").text.endswith("the bars as data")]
+    rows = [[cell.text for cell in row] for t in tables for row in t.iter(x + "tr")][1:]
+    check(rows == [[k, str(v), meaning(c)] for k, v, c in numeric_order(bars)],
+          "data table of %s: %s" % (page, rows))
+
+
+def check_pages(work, series_bars):
+    failed = [("27011", "build_results", "--opt_for_speed", "", "advice #27011-D: Tunewise "
+               "completed and best results were obtained with speed vs size setting  "
+               "(--opt_for_speed=).")]
+    made = {"example": make_page(work, "example")}
+    check_data_table(made["example"], series_bars)
+    made_here = {"long": (long_keys(), ()), "empty": ([], ()),
+                 "errors": ([("0", 900, "red"), ("1", 950, "red"), ("2", 990, "red")], failed)}
+    for name, (bars, advice) in made_here.items():
+        write_documents(os.path.join(work, name), bars, advice)
+        made[name] = make_page(os.path.join(work, name), name)
+        check_data_table(made[name], bars)
+    if not (chromium and node and os.path.isdir(os.path.join(here, "node_modules"))):
+        print("no chromium, node or tests/report/node_modules: no browser checks (see setup.sh)")
         return
-    with tempfile.TemporaryDirectory() as profile:
-        dom = subprocess.run(
-            [chromium, "--headless", "--no-sandbox", "--disable-gpu", "--disable-quic",
-             "--no-first-run", "--disable-background-networking", "--disable-component-update",
-             "--disable-sync", "--user-data-dir=" + profile, "--dump-dom", "file://" + page],
-            capture_output=True, text=True, timeout=120).stdout
-    svg = "{http://www.w3.org/2000/svg}"
-    shown = [g for g in ET.fromstring(dom).iter(svg + "g") if "bar" in g.get("class").split()]
-    check(len(shown) == len(bars), "%d bars in the browser, %d in the document"
-          % (len(shown), len(bars)))
-    heights = [float(g.find(svg + "rect").get("height")) for g in shown]
-    largest = max(value for _, value, _ in bars)
-    for (key, value, color), group, height in zip(bars, shown, heights):
-        labels = {text.get("class"): text.text for text in group.iter(svg + "text")}
-        check(group.find(svg + "rect").get("fill") == color, "fill of bar " + key)
-        check(abs(height - max(heights) * value / largest) < 0.01, "height of bar " + key)
-        check(labels.get("key") == key and labels.get("value") == str(value), str(labels))
-        check(("best" in group.get("class").split()) == (color == "green"), "best mark " + key)
+    shots = os.environ.get("ADVZORV_SCREENSHOTS", "-")
+    done = subprocess.run([node, os.path.join(here, "browser_check.js"), chromium, shots,
+                           *made.values()], capture_output=True, text=True, timeout=600,
+                          env={**os.environ, "NODE_PATH": os.path.join(here, "node_modules")})
+    check(done.returncode == 0, "browser check: " + done.stderr)
+    results = json.loads(done.stdout or "{}")
+    for name, page in made.items():
+        for width, found in results.get(page, {}).items():
+            what = "%s at %s px: " % (name, width)
+            for finding in ("violations", "outside", "low_contrast"):  # axe-core, layout, fills
+                check(found[finding] == [], what + "%s %s" % (finding, found[finding]))
+            check(found["shortened"] in (None, {"full_on_focus": True}), what + "focused key")
+        check(len(results.get(page, {})) == 2, "no browser results for " + name)
+    check(results[made["long"]]["360"]["shortened"] is not None, "long keys are not shortened")
 
 
 def check_bad_documents(work):
@@ -111,13 +210,11 @@ with tempfile.TemporaryDirectory(prefix="advzorv-report-") as work:
     subprocess.run(["bash", play_series, advzorv, work], check=True, capture_output=True)
     chart = ET.parse(os.path.join(work, "perf_results.xml")).find("chart")
     bars = [(b.get("option_value"), int(b.get("value")), b.get("color")) for b in chart]
-    entries = [(a.get("diag_code"), a) for a in ET.parse(os.path.join(work, "advice.xml"))
-               .findall("advice")]
     check(len(bars) == 6 and any(c == "green" for _, _, c in bars), "series: %s" % bars)
-    check_terminal(work, bars, entries)
     check_colour(work)
-    check_page(work, bars)
+    check_pages(work, bars)
     check_bad_documents(work)
+    check_terminal(os.path.join(work, "made"))
 
 print("\n".join(failures) or "ok")
 sys.exit(1 if failures else 0)
