@@ -9,15 +9,18 @@
 
 #include <boost/property_tree/xml_parser.hpp>
 
+#include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <filesystem>
+#include <set>
 
 namespace {
 
 namespace fs = std::filesystem;
+using boost::property_tree::xml_parser::xml_parser_error;
 using namespace std::chrono_literals;
 
 TEST(StrictXmlText, ReplacesWhatXmlCannotCarryAndKeepsTheRest) {
@@ -47,14 +50,19 @@ class ReplaceFile : public ::testing::Test {
  protected:
   TempDir dir;
   const std::string doc = dir.file("perf.xml");
-  const std::string temp = dir.file(".perf.xml.advzorv-new");
 
   void SetUp() override { write_file(doc, "old"); }
 
+  std::set<std::string> names() const {
+    std::set<std::string> found;
+    for (const auto& entry : fs::directory_iterator(dir.path()))
+      found.insert(entry.path().filename().string());
+    return found;
+  }
   // The directory holds the document and nothing else.
   void expect_untouched() const {
     EXPECT_EQ(read_file(doc), "old");
-    EXPECT_FALSE(fs::exists(temp));
+    EXPECT_EQ(names(), std::set<std::string>{"perf.xml"});
   }
 };
 
@@ -65,7 +73,7 @@ TEST_F(ReplaceFile, KeepsPermissionBitsAndSymbolicLinks) {
   EXPECT_TRUE(fs::is_symlink(dir.file("link.xml")));
   EXPECT_EQ(read_file(doc), "new");
   EXPECT_EQ(fs::status(doc).permissions(), static_cast<fs::perms>(0640));
-  EXPECT_FALSE(fs::exists(temp));
+  EXPECT_EQ(names(), (std::set<std::string>{"link.xml", "perf.xml"}));
 
   fs::create_symlink("made.xml", dir.file("dangling.xml"));
   replace_file(dir.file("dangling.xml"), "made");
@@ -83,22 +91,51 @@ TEST_F(ReplaceFile, AFailedWriteLeavesTheOldFileAndNoNewOne) {
   setrlimit(RLIMIT_FSIZE, &saved);
   expect_untouched();
 
-  fs::create_directory(temp);  // the new file can't be made
-  try {
-    replace_file(doc, "new");
-    ADD_FAILURE() << "no error";
-  } catch (const boost::property_tree::xml_parser::xml_parser_error& e) {
-    EXPECT_EQ(e.message(), "cannot open file");
-    EXPECT_EQ(e.filename(), doc);
-  }
-  EXPECT_EQ(read_file(doc), "old");
-  fs::remove(temp);
-
   chmod(doc.c_str(), 0444);  // read-only is kept, unless root ignores it
   if (access(doc.c_str(), W_OK) != 0) {
     EXPECT_ANY_THROW(replace_file(doc, "new"));
   }
   expect_untouched();
+}
+
+// Beside the document stay its old file when that could not be read (the
+// latest one), and a running run's new file; new files of ended runs go.
+TEST_F(ReplaceFile, KeepsAnUnreadableOldFileAndClearsWhatEndedRunsLeft) {
+  const pid_t ended = fork();
+  if (ended == 0) _exit(0);
+  waitpid(ended, nullptr, 0);
+  const std::string running = ".perf.xml.advzorv-new." + std::to_string(getppid());
+  for (const std::string& name : {running, ".perf.xml.advzorv-new." + std::to_string(ended),
+                                  std::string(".perf.xml.advzorv-new")})
+    write_file(dir.file(name), "left");
+  replace_file(doc, "first", old_document::kept);
+  replace_file(doc, "second", old_document::kept);
+  EXPECT_EQ(read_file(doc), "second");
+  EXPECT_EQ(read_file(dir.file(".perf.xml.advzorv-unreadable")), "first");
+  EXPECT_EQ(names(), (std::set<std::string>{running, ".perf.xml.advzorv-unreadable", "perf.xml"}));
+}
+
+TEST_F(ReplaceFile, LongNamesLinkLoopsAndFifos) {
+  const std::string longest = dir.file(std::string(255, 'n'));
+  replace_file(longest, "one");
+  replace_file(longest, "two", old_document::kept);
+  EXPECT_EQ(read_file(longest), "two");
+  EXPECT_EQ(names().size(), 3u);  // the document, its kept old file and perf.xml
+
+  fs::create_symlink("loop.xml", dir.file("loop.xml"));
+  EXPECT_THROW(replace_file(dir.file("loop.xml"), "x"), xml_parser_error);
+  EXPECT_TRUE(fs::is_symlink(dir.file("loop.xml")));
+
+  const std::string fifo = dir.file("fifo.xml");
+  ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+  EXPECT_THROW(replace_file(fifo, "no reader"), xml_parser_error);
+  const int reader = open(fifo.c_str(), O_RDONLY | O_NONBLOCK);
+  replace_file(fifo, "streamed");
+  char got[16] = {};
+  EXPECT_EQ(read(reader, got, sizeof got), 8);
+  EXPECT_STREQ(got, "streamed");
+  close(reader);
+  EXPECT_TRUE(fs::is_fifo(fifo));
 }
 
 // A directory that takes no new file gets its writable document rewritten in
@@ -115,7 +152,12 @@ TEST_F(ReplaceFile, AClosedDirectoryGetsTheDocumentRewrittenInPlace) {
     } catch (...) {
       _exit(1);
     }
-    _exit(0);
+    try {
+      replace_file(doc, "an unreadable old file has nowhere to go", old_document::kept);
+    } catch (const xml_parser_error& e) {
+      _exit(e.message() == "write error" ? 0 : 2);
+    }
+    _exit(3);
   }
   int status = 0;
   waitpid(child, &status, 0);
@@ -141,6 +183,39 @@ TEST(DocumentLocks, RunsSharingADirectoryExcludeEachOtherUnlessBothRead) {
   EXPECT_EQ(DOCUMENT_LOCKS({b}, lock_mode::exclusive, 0ms).busy_directory(), dir.path());
   EXPECT_EQ(DOCUMENT_LOCKS({dir.file("none/x.xml")}, lock_mode::exclusive, 0ms).busy_directory(),
             "");
+}
+
+// A directory that can't be opened for reading gets its documents locked
+// instead; one not there yet is made to be locked and goes again if left empty.
+// Root reads any directory, so root tries it as another user.
+TEST(DocumentLocks, ADirectoryThatCantBeReadGetsItsDocumentsLocked) {
+  TempDir dir;
+  const std::string a = dir.file("advice.xml"), b = dir.file("perf.xml");
+  write_file(a, "doc");
+  if (geteuid() == 0) {
+    chown(dir.path().c_str(), 65534, 65534);
+    chown(a.c_str(), 65534, 65534);
+  }
+  chmod(dir.path().c_str(), 0333);
+  const pid_t child = fork();
+  if (child == 0) {
+    if (geteuid() == 0 && setuid(65534) != 0) _exit(64);
+    int faults = 0;
+    {
+      const DOCUMENT_LOCKS held({b, a}, lock_mode::exclusive, 0ms);
+      faults |= held.busy_directory().empty() ? 0 : 1;
+      faults |= access(b.c_str(), F_OK) == 0 ? 0 : 2;
+      faults |= DOCUMENT_LOCKS({a}, lock_mode::exclusive, 20ms).busy_directory() == dir.path() ? 0 : 4;
+      faults |= DOCUMENT_LOCKS({b}, lock_mode::shared, 0ms).busy_directory() == dir.path() ? 0 : 8;
+    }
+    faults |= access(b.c_str(), F_OK) != 0 ? 0 : 16;
+    faults |= DOCUMENT_LOCKS({a}, lock_mode::exclusive, 0ms).busy_directory().empty() ? 0 : 32;
+    _exit(faults);
+  }
+  int status = 0;
+  waitpid(child, &status, 0);
+  chmod(dir.path().c_str(), 0755);
+  EXPECT_EQ(WEXITSTATUS(status), 0) << "1 lock, 2 made, 4 busy, 8 shared busy, 16 gone, 32 free";
 }
 
 }  // namespace

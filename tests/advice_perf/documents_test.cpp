@@ -3,6 +3,7 @@
 // the series result going once the build uses it, and how new a link must be.
 #include "ADVICE_PERF/advice.h"
 #include "ADVICE_PERF/driver.h"
+#include "ADVICE_PERF/file_text.h"
 #include "ADVICE_PERF/link_data.h"
 #include "ADVICE_PERF/perf_results.h"
 #include "ADVICE_PERF/xml_read.h"
@@ -13,6 +14,8 @@
 #include "tests/util/temp_dir.h"
 
 #include <gtest/gtest.h>
+
+#include <unistd.h>
 
 #include <filesystem>
 #include <string>
@@ -74,6 +77,39 @@ TEST(ReadXmlFile, NestingAndEndlessInputAreBounded) {
   EXPECT_TRUE(read_xml_file(path.c_str()).empty());
   EXPECT_TRUE(read_xml_file("/dev/zero").empty());
   EXPECT_TRUE(read_xml_file(dir.path().c_str()).empty());
+}
+
+// One size rule for regular files and pipes: more than the limit before the
+// first NUL byte is too much, and a NUL ends the text.
+TEST(LoadFileText, RegularFilesAndPipesShareOneSizeRule) {
+  TempDir dir;
+  const std::string path = dir.file("text");
+  const struct {
+    std::string content;
+    bool fits;
+  } cases[] = {
+      {std::string(100, 'x'), true},
+      {std::string(101, 'x'), false},
+      {std::string(100, 'x') + '\0' + std::string(300, 'y'), true},
+      {std::string("ab\0", 3) + std::string(300, 'y'), true},
+      {"", true},
+  };
+  for (const auto& c : cases) {
+    write_file(path, c.content);
+    int ends[2];
+    ASSERT_EQ(pipe(ends), 0);
+    ASSERT_EQ(write(ends[1], c.content.data(), c.content.size()),
+              static_cast<ssize_t>(c.content.size()));
+    close(ends[1]);
+    for (const std::string& source : {path, "/proc/self/fd/" + std::to_string(ends[0])}) {
+      FILE_TEXT file;
+      ASSERT_EQ(load_file_text(source.c_str(), file, 100), c.fits) << c.content << " in " << source;
+      if (c.fits) {
+        EXPECT_EQ(std::string(file.text.get(), file.size), c.content.c_str());
+      }
+    }
+    close(ends[0]);
+  }
 }
 
 // The time the tests' clock gives; it moves on at every reading, so only a
