@@ -16,6 +16,7 @@ have_file /usr/include/gmock/gmock.h                 || missing+=(libgmock-dev)
 have_file /usr/include/benchmark/benchmark.h         || missing+=(libbenchmark-dev)
 have_file /usr/include/mimalloc.h                    || missing+=(libmimalloc-dev)
 have_cmd xmllint  || missing+=(libxml2-utils)  # validates the documents against their schemas
+have_cmd strace   || missing+=(strace)         # fails a run's system calls in turn
 have_cmd chromium || missing+=(chromium)       # the report's HTML page is checked in a browser
 have_cmd dpkg-shlibdeps || missing+=(dpkg-dev)  # cpack -G DEB
 have_file /usr/include/libxml2/libxml/parser.h       || missing+=(libxml2-dev)

@@ -1,9 +1,7 @@
 #!/usr/bin/env python3
-"""Whole runs that must never lose or corrupt the two documents: runs sharing
-them at once, also where the directory can't be locked, a run stopped by a
-file-size limit, killed or signalled while it writes, documents that are no
-regular files or can't be read, bytes that XML 1.0 can't carry, and a command
-file too large for a case directory. Usage: document_safety.py ADVZORV CASES_DIR"""
+"""Whole runs that must never lose or corrupt the two documents (shared, stopped,
+odd or unreadable), and a command file too large for a case directory.
+Usage: document_safety.py ADVZORV CASES_DIR"""
 import os
 import random
 import re
@@ -26,8 +24,8 @@ class Project:
             shutil.copy(os.path.join(inputs, name), work)
 
     def start(self, event=None, value=None, preexec=None, docs="", wrapper=(),
-              options="options.cmd", advice="advice.xml"):
-        args = [*wrapper, self.binary, f"--advice_file={docs}{advice}",
+              options="options.cmd"):
+        args = [*wrapper, self.binary, f"--advice_file={docs}advice.xml",
                 f"--benchmarks_file={docs}perf.xml", "--xml_link_info=link.xml",
                 f"--linker_options_file={options}"]
         if event:
@@ -81,8 +79,7 @@ class Project:
                    + b"</chart></body>\n")
 
 
-def as_nobody():
-    """Root reads any directory: runs that must not, run as nobody."""
+def as_nobody():  # root reads any directory
     if os.geteuid() == 0:
         os.setgid(65534)
         os.setuid(65534)
@@ -91,17 +88,13 @@ def as_nobody():
 def concurrent_appends_all_count(p, check):
     """40 runs at once; 30 where the directory can't be opened for reading and
     30 where flock fails (ENOLCK, as on a network file system)."""
-    os.mkdir(os.path.join(p.work, "docs"))
     no_flock = ("strace", "-o", "/dev/null", "-e", "trace=flock", "-e", "inject=flock:error=ENOLCK")
     for where, runs, mode, preexec, wrapper in (
             ("lockable", 40, 0o777, None, ()),
             ("unreadable directory", 30, 0o333, as_nobody, ()),
-            ("no flock", 30, 0o777, None, no_flock if shutil.which("strace") else None)):
-        if wrapper is None:
-            continue
+            ("no flock", 30, 0o777, None, no_flock)):
         docs = os.path.join(p.work, "docs")
-        for name in os.listdir(docs):
-            os.remove(os.path.join(docs, name))
+        os.mkdir(docs)
         os.chmod(docs, 0o777)
         p.run("start", docs="docs/", preexec=preexec)
         os.chmod(docs, mode)
@@ -112,6 +105,7 @@ def concurrent_appends_all_count(p, check):
         check(statuses == [0] * runs, f"{where}: exit statuses {statuses}")
         check(p.bars("docs/") == runs, f"{where}: {p.bars('docs/')} bars after {runs} appends")
         check(sorted(os.listdir(docs)) == ["advice.xml", "perf.xml"], f"{where}: {os.listdir(docs)}")
+        shutil.rmtree(docs)
 
 
 def a_file_size_limit_leaves_both_documents_as_they_were(p, check):
@@ -130,68 +124,47 @@ def a_file_size_limit_leaves_both_documents_as_they_were(p, check):
     check(not p.temp_files(), f"left behind: {p.temp_files()}")
 
 
-def a_kill_while_writing_leaves_old_or_new(p, check):
+def a_kill_or_signal_while_writing_leaves_old_or_new(p, check):
+    """kill -9 may leave a new file for the next run to remove; SIGUSR1, which
+    the tool doesn't handle, waits until the document is whole."""
     p.big_results(60000)
     rng = random.Random(7)
-    for trial in range(8):
+    for trial, sig in enumerate([signal.SIGUSR1] * 4 + [signal.SIGKILL] * 8):
         count = p.bars()
         proc = p.start("append", f"kill{trial}".encode())
         p.wait_for_writing(proc)
         time.sleep(rng.uniform(0, 0.02))
-        proc.kill()
+        proc.send_signal(sig)
         proc.wait()
         check(p.bars() in (count, count + 1), f"trial {trial}: {p.bars()} bars, had {count}")
         check(not p.strict_xml_problems(), f"trial {trial}: {p.strict_xml_problems()}")
+        check(sig == signal.SIGKILL or not p.temp_files(), f"{sig}: left {p.temp_files()}")
     p.run("append", b"after")
     check(not p.temp_files(), f"left behind after a whole run: {p.temp_files()}")
 
 
-def a_signal_while_writing_leaves_no_new_file(p, check):
-    """SIGUSR1, which the tool doesn't handle, waits until the document is whole."""
-    p.big_results(60000)
-    for trial in range(4):
-        count = p.bars()
-        proc = p.start("append", f"usr{trial}".encode())
-        p.wait_for_writing(proc)
-        proc.send_signal(signal.SIGUSR1)
-        proc.wait()
-        check(p.bars() in (count, count + 1), f"trial {trial}: {p.bars()} bars, had {count}")
-        check(not p.temp_files(), f"trial {trial}: left behind {p.temp_files()}")
-
-
 def documents_that_are_no_regular_files_stay(p, check):
-    """A device is written to and stays a device; a FIFO without a reader makes
-    the run fail at once; a link loop is no file to write."""
-    fifo = os.path.join(p.work, "docs", "perf.xml")
-    os.makedirs(os.path.dirname(fifo))
+    """A FIFO without a reader makes the run fail at once; a device is written to."""
+    fifo = os.path.join(p.work, "perf.xml")
     os.mkfifo(fifo)
-    os.symlink("loop.xml", os.path.join(p.work, "loop.xml"))
-    status, err = p.run(docs="docs/")
-    check(status == 1 and b"perf.xml: cannot open file" in err, f"FIFO: {status} {err!r}")
-    check(stat.S_ISFIFO(os.stat(fifo).st_mode), "the FIFO was replaced")
+    status, err = p.run()
+    check(status == 1 and b"perf.xml: cannot open file" in err and stat.S_ISFIFO(os.stat(fifo).st_mode),
+          f"FIFO: {status} {err!r}")
     if os.geteuid() == 0:  # only root makes device nodes
-        device = os.path.join(p.work, "device")
-        os.mknod(device, 0o666 | stat.S_IFCHR, os.makedev(1, 3))  # a null device
-        os.symlink("device", os.path.join(p.work, "perf.xml"))
+        os.remove(fifo)
+        os.mknod(fifo, 0o666 | stat.S_IFCHR, os.makedev(1, 3))  # a null device
         status, err = p.run()
-        check(status == 0 and stat.S_ISCHR(os.stat(device).st_mode), f"device: {status} {err!r}")
-        os.remove(os.path.join(p.work, "perf.xml"))
-    status, err = p.run(advice="loop.xml")
-    check(status == 1 and os.path.islink(os.path.join(p.work, "loop.xml")), f"loop: {status}")
+        check(status == 0 and stat.S_ISCHR(os.stat(fifo).st_mode), f"device: {status} {err!r}")
 
 
 def unreadable_documents_are_kept(p, check):
-    """A document read as empty for any reason but being absent or empty stays
-    beside the new one; an empty one doesn't."""
-    for content, kept in ((b"", False), (b"<body><version>1</ver", True), (b"\x00junk", True)):
+    """Beside the new one stays a document that isn't well-formed, not an empty one."""
+    for content in (b"", b"<body><version>1</ver", b"\x00junk"):
         p.write("perf.xml", content)
         status, err = p.run()
-        kept_file = os.path.join(p.work, ".perf.xml.advzorv-unreadable")
-        check(status == 0, f"{content!r}: {status} {err!r}")
-        check(os.path.exists(kept_file) == kept, f"{content!r}: kept {os.path.exists(kept_file)}")
-        check(not kept or p.read(".perf.xml.advzorv-unreadable") == content, f"{content!r} lost")
-        if kept:
-            os.remove(kept_file)
+        kept = os.path.join(p.work, ".perf.xml.advzorv-unreadable")
+        kept = p.read(kept) if os.path.exists(kept) else None
+        check(status == 0 and kept == (content or None), f"{content!r}: {status} {kept!r}")
 
 
 def a_four_mib_word_is_ignored_and_the_options_around_it_read(p, check):
@@ -220,7 +193,7 @@ def main():
     binary, cases = os.path.abspath(sys.argv[1]), os.path.abspath(sys.argv[2])
     failures = []
     for test in (concurrent_appends_all_count, a_file_size_limit_leaves_both_documents_as_they_were,
-                 a_kill_while_writing_leaves_old_or_new, a_signal_while_writing_leaves_no_new_file,
+                 a_kill_or_signal_while_writing_leaves_old_or_new,
                  documents_that_are_no_regular_files_stay, unreadable_documents_are_kept,
                  a_four_mib_word_is_ignored_and_the_options_around_it_read,
                  bytes_xml_cannot_carry_give_strict_documents):
