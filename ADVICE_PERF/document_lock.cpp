@@ -1,6 +1,7 @@
 #include "ADVICE_PERF/document_lock.h"
 
 #include "ADVICE_PERF/file_replace.h"
+#include "UTIL/retried.h"
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -62,10 +63,7 @@ class wait_alarm {
 // once or, waiting, by the deadline.
 template <typename Take>
 int lock_by(Take take, steady_clock::time_point deadline) {
-  int result;
-  do
-    result = take(false);
-  while (result != 0 && errno == EINTR);
+  int result = retried([&] { return take(false); });
   const bool busy = result != 0 && (errno == EWOULDBLOCK || errno == EAGAIN || errno == EACCES);
   if (!busy || steady_clock::now() >= deadline) return result;
   const wait_alarm alarm(
@@ -87,11 +85,7 @@ bool same_file(const struct stat& a, const struct stat& b) {
 }
 
 int open_retried(const std::string& path, int flags) {
-  int fd;
-  do
-    fd = open(path.c_str(), flags | O_CLOEXEC, 0666);
-  while (fd < 0 && errno == EINTR);
-  return fd;
+  return retried([&] { return open(path.c_str(), flags | O_CLOEXEC, 0666); });
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
 #include "ADVICE_PERF/file_replace.h"
 
+#include "UTIL/retried.h"
+
 #include <boost/property_tree/xml_parser.hpp>
 
 #include <dirent.h>
@@ -21,16 +23,6 @@ constexpr std::size_t run_part = 16;
 
 [[noreturn]] void fail(const char* message, const std::string& path) {
   throw boost::property_tree::xml_parser::xml_parser_error(message, path, 0);
-}
-
-// Calls a system call again for as long as a signal interrupts it.
-template <typename Call>
-auto retried(Call call) {
-  decltype(call()) result;
-  do
-    result = call();
-  while (result == -1 && errno == EINTR);
-  return result;
 }
 
 // A descriptor is released by close even when close reports an interruption.
@@ -259,7 +251,7 @@ void replace_file(const std::string& path, std::string_view text, old_document o
   }
   written = written && retried([&] { return rename(temp.c_str(), file.c_str()); }) == 0;
   if (!written) {
-    unlink(temp.c_str());
+    retried([&] { return unlink(temp.c_str()); });
     if (how == kept_by::rename) rename(kept.c_str(), file.c_str());
     fail("write error", path);
   }

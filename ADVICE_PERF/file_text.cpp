@@ -1,28 +1,26 @@
 #include "ADVICE_PERF/file_text.h"
 
+#include "UTIL/retried.h"
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <cstring>
 
 namespace {
 
 class FILE_DESCRIPTOR {
  public:
-  explicit FILE_DESCRIPTOR(const char* file_name) {
-    do
-      fd = open(file_name, O_RDONLY | O_CLOEXEC);
-    while (fd < 0 && errno == EINTR);
-  }
+  explicit FILE_DESCRIPTOR(const char* file_name)
+      : fd(retried([&] { return open(file_name, O_RDONLY | O_CLOEXEC); })) {}
   ~FILE_DESCRIPTOR() {
     if (fd >= 0) close(fd);
   }
   FILE_DESCRIPTOR(const FILE_DESCRIPTOR&) = delete;
   FILE_DESCRIPTOR& operator=(const FILE_DESCRIPTOR&) = delete;
-  int fd;
+  const int fd;
 };
 
 }  // namespace
@@ -49,8 +47,8 @@ bool load_file_text(const char* file_name, FILE_TEXT& file, std::size_t limit) {
       file.text = std::move(grown);
       capacity = larger;
     }
-    const ssize_t got = read(input.fd, file.text.get() + file.size, capacity - 1 - file.size);
-    if (got < 0 && errno == EINTR) continue;
+    const ssize_t got = retried(
+        [&] { return read(input.fd, file.text.get() + file.size, capacity - 1 - file.size); });
     if (got < 0) return false;
     if (got == 0) break;
     char* const start = file.text.get() + file.size;

@@ -14,6 +14,7 @@
 #include <utility>
 
 #include "UTIL/process_end.h"
+#include "UTIL/retried.h"
 #include "UTIL/safemalloc.h"
 
 namespace {
@@ -190,10 +191,7 @@ void read_quoted(FILE* stream, word_buffer& word) {
 }  // namespace
 
 FILE* open_command_file(const char* path) {
-  int fd;
-  do
-    fd = open(path, O_RDONLY | O_CLOEXEC);
-  while (fd < 0 && errno == EINTR);
+  const int fd = retried([&] { return open(path, O_RDONLY | O_CLOEXEC); });
   if (fd < 0) return nullptr;
   struct stat status {};
   if (fstat(fd, &status) == 0 && S_ISDIR(status.st_mode)) {
