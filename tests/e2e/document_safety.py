@@ -2,6 +2,7 @@
 """Whole runs that must never lose or corrupt the two documents (shared, stopped,
 odd or unreadable), and a command file too large for a case directory.
 Usage: document_safety.py ADVZORV CASES_DIR"""
+import fcntl
 import os
 import random
 import re
@@ -18,7 +19,7 @@ TEMP_FILE = re.compile(r"^\..*\.advzorv-new(\.[0-9]+(-[0-9]+)?)?$")
 
 class Project:
     def __init__(self, binary, cases, work):
-        self.binary, self.work = binary, work
+        self.binary, self.work, self.cases = binary, work, cases
         inputs = os.path.join(cases, "benchmark_end_recommends_the_best_setting", "input")
         for name in ("link.xml", "options.cmd"):
             shutil.copy(os.path.join(inputs, name), work)
@@ -108,6 +109,17 @@ def concurrent_appends_all_count(p, check):
         shutil.rmtree(docs)
 
 
+def a_bad_link_file_fails_without_waiting_for_the_lock(p, check):
+    """The link file is read before the documents' lock is taken."""
+    shutil.copy(os.path.join(p.cases, "link_file_without_a_required_part_is_fatal", "input",
+                             "link.xml"), p.work)
+    holder = os.open(p.work, os.O_RDONLY)
+    fcntl.flock(holder, fcntl.LOCK_EX)
+    status, err = p.run()
+    os.close(holder)
+    check(status == 1 and b"No such node (name)" in err, f"status {status}, stderr {err!r}")
+
+
 def a_file_size_limit_leaves_both_documents_as_they_were(p, check):
     p.run("start")
     for i in range(20):  # a results document larger than the limit
@@ -192,7 +204,8 @@ def bytes_xml_cannot_carry_give_strict_documents(p, check):
 def main():
     binary, cases = os.path.abspath(sys.argv[1]), os.path.abspath(sys.argv[2])
     failures = []
-    for test in (concurrent_appends_all_count, a_file_size_limit_leaves_both_documents_as_they_were,
+    for test in (concurrent_appends_all_count, a_bad_link_file_fails_without_waiting_for_the_lock,
+                 a_file_size_limit_leaves_both_documents_as_they_were,
                  a_kill_or_signal_while_writing_leaves_old_or_new,
                  documents_that_are_no_regular_files_stay, unreadable_documents_are_kept,
                  a_four_mib_word_is_ignored_and_the_options_around_it_read,
