@@ -24,11 +24,12 @@ const size_t initial_capacity = 80;
 // Quote excerpts show at most this many characters of the quoted text.
 const size_t excerpt_length = 30;
 
-// A command file's descriptor and how much of it has been read.
+// The open command file's descriptor (-1 while none is open) and how much of
+// it has been read. Command files never nest, so one is enough.
 struct bounded_file {
-  int fd;
+  int fd = -1;
   size_t read_bytes = 0;
-};
+} command_file;
 
 ssize_t read_bounded(void* cookie, char* buffer, size_t size) {
   auto* file = static_cast<bounded_file*>(cookie);
@@ -41,9 +42,7 @@ ssize_t read_bounded(void* cookie, char* buffer, size_t size) {
 
 int close_bounded(void* cookie) {
   auto* file = static_cast<bounded_file*>(cookie);
-  const int result = close(file->fd);
-  delete file;
-  return result;
+  return close(std::exchange(file->fd, -1));
 }
 
 // The next character of stream; an interrupted read is tried again, and any
@@ -191,6 +190,10 @@ void read_quoted(FILE* stream, word_buffer& word) {
 }  // namespace
 
 FILE* open_command_file(const char* path) {
+  if (command_file.fd >= 0) {
+    errno = EBUSY;
+    return nullptr;
+  }
   const int fd = retried([&] { return open(path, O_RDONLY | O_CLOEXEC); });
   if (fd < 0) return nullptr;
   struct stat status {};
@@ -199,9 +202,9 @@ FILE* open_command_file(const char* path) {
     errno = EISDIR;
     return nullptr;
   }
-  auto* file = new bounded_file{fd};
-  FILE* stream = fopencookie(file, "r", {read_bounded, nullptr, nullptr, close_bounded});
-  if (!stream) close_bounded(file);
+  command_file = {fd, 0};
+  FILE* stream = fopencookie(&command_file, "r", {read_bounded, nullptr, nullptr, close_bounded});
+  if (!stream) close_bounded(&command_file);
   return stream;
 }
 

@@ -12,8 +12,9 @@ constexpr size_t cmdfile_max_bytes = size_t{64} << 20;
 
 // Opens path for reading by fnextopt, as a stream whose reads fail once more
 // than cmdfile_max_bytes have been read; an interrupted open or read is
-// retried. Null, with errno set, when path can't be opened or is a directory.
-// The caller closes the stream with fclose.
+// retried. Null, with errno set, when path can't be opened or is a directory,
+// or while another such stream is open: command files never nest. The caller
+// closes the stream with fclose.
 FILE* open_command_file(const char* path);
 
 // The next word of stream as a new heap string (the caller frees it with free),
