@@ -162,8 +162,8 @@ void write_stream(const std::string& path, std::string_view text) {
   if (!closed(fd) || !written) fail("write error", path);
 }
 
-// Writes text into file in place: for a writable file in a directory that
-// takes no new file. A shorter text is padded with line ends to the old
+// Writes text into file in place, with signals held back by the caller: for a
+// writable file in a directory that takes no new file. A shorter text is padded with line ends to the old
 // length and then cut, so that the file is well-formed at every moment but
 // during the one write; a failed write puts the old content back.
 void rewrite_in_place(const std::string& file, std::string_view text, old_document old,
@@ -171,7 +171,6 @@ void rewrite_in_place(const std::string& file, std::string_view text, old_docume
   if (old == old_document::kept) fail("write error", path);
   const int fd = retried([&] { return open(file.c_str(), O_RDWR | O_CLOEXEC); });
   if (fd < 0) fail("cannot open file", path);
-  const signals_held held;
   std::string old_text;
   bool written = false;
   if (read_all(fd, old_text)) {

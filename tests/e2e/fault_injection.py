@@ -60,8 +60,8 @@ class Runs:
         return done.returncode, done.stderr
 
     def calls(self):
-        """Per call, how many come before the command file is opened (loading and
-        start-up), how many after; and the number of the new file's openat."""
+        """Per call, how many come before the command file is opened and after;
+        and the number of the new file's openat."""
         log = self.origin + ".log"
         self.run("-o", log, "-e", "trace=" + ",".join(CALLS))
         before, after, new_file = {}, {}, None
