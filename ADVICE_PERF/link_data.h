@@ -8,12 +8,24 @@
 #include <map>
 #include <set>
 #include <string>
+#include <vector>
 
 // One logical group of the link (an output section).
 struct SECT_INFO {
   int32_t size = 0;
   std::string name;
   std::set<std::string> components;  // ids of the object components it holds
+};
+
+// Whether a logical group counts toward the code size, and if not, why.
+enum class group_count { counted, no_components, uninitialized, debug };
+
+// One logical group as the code size sees it.
+struct GROUP_SIZE {
+  std::string id;
+  std::string name;
+  uint32_t size = 0;  // the bytes the code size adds when the group counts
+  group_count count = group_count::counted;
 };
 
 class LINK_DATA : public PTREE_INFO {
@@ -32,6 +44,8 @@ class LINK_DATA : public PTREE_INFO {
   uint32_t get_code_size() const { return code_size; }
   // The linker's error count; -1 when the file doesn't give it.
   int32_t get_link_errors() const { return link_errors; }
+  // Every logical group in id order, classified by the rules of the code size.
+  std::vector<GROUP_SIZE> logical_groups() const;
 
  protected:
   const KEPT_ELEMENT* kept_elements() const override;
@@ -46,6 +60,7 @@ class LINK_DATA : public PTREE_INFO {
   void read_object_components(const ptree& list);
   void read_logical_groups(const ptree& list);
   void set_code_size();
+  group_count classify(const SECT_INFO& sect) const;
 
   uint32_t code_size = 0;
   int32_t link_errors = -1;

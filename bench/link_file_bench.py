@@ -48,16 +48,35 @@ def paired(a, b, cwd, runs, before_a=lambda: None):
             "a_peak": median(r[0][2] for r in rows), "b_peak": median(r[1][2] for r in rows)}
 
 
-def main():
-    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
+def arguments(doc, sizes):
+    """The options of a benchmark on generated link files: --build, --runs, --sizes."""
+    parser = argparse.ArgumentParser(description=doc.splitlines()[0])
     parser.add_argument("--build", default=os.path.join(ROOT, "build"))
     parser.add_argument("--runs", type=int, default=5)
-    parser.add_argument("--sizes", default="1,10,50")
-    args = parser.parse_args()
+    parser.add_argument("--sizes", default=sizes)
+    return parser.parse_args()
+
+
+def generated_link_file(work, size):
+    """A link file of size MB in work, the same every time."""
+    link = os.path.join(work, f"link_{size}.xml")
+    subprocess.run([sys.executable, os.path.join(ROOT, "bench", "gen_link_info.py"),
+                    size, link, "1"], check=True)
+    return link
+
+
+def plain_run(tool, link):
+    """A run of the tool on link without a benchmark event."""
+    return [tool, "--advice_file=advice.xml", "--benchmarks_file=perf_results.xml",
+            f"--xml_link_info={link}",
+            f"--linker_options_file={os.path.join(ROOT, 'examples', 'demo', 'options.cmd')}"]
+
+
+def main():
+    args = arguments(__doc__, "1,10,50")
     tool = os.path.join(args.build, "ADVICE_PERF", "advzorv")
     alone = os.path.join(args.build, "bench", "read_xml_alone")
     hello = os.path.join(args.build, "bench", "hello_world")
-    options = os.path.join(ROOT, "examples", "demo", "options.cmd")
 
     work = tempfile.mkdtemp(prefix="advzorv-bench-")
     try:
@@ -65,12 +84,8 @@ def main():
               f"{'tool MiB':>9} {'read_xml MiB':>12}")
         tool_wall = {}
         for size in args.sizes.split(","):
-            link = os.path.join(work, f"link_{size}.xml")
-            subprocess.run([sys.executable, os.path.join(ROOT, "bench", "gen_link_info.py"),
-                            size, link, "1"], check=True)
-            whole = [tool, "--advice_file=advice.xml", "--benchmarks_file=perf_results.xml",
-                     f"--xml_link_info={link}", f"--linker_options_file={options}"]
-            m = paired(whole, [alone, link], work, args.runs)
+            link = generated_link_file(work, size)
+            m = paired(plain_run(tool, link), [alone, link], work, args.runs)
             tool_wall[size] = m["a"]
             print(f"{size + ' MB':>10} {m['a']:8.3f} {m['b']:10.3f} {m['ratio']:6.2f} "
                   f"{m['cpu_ratio']:9.2f} {m['a_peak']:9.1f} {m['b_peak']:12.1f}")

@@ -1,6 +1,8 @@
 #!/usr/bin/env bash
 # Installs what building and testing need, skipping whatever is already present.
+# Usage: setup.sh [example]   (example: only what scripts/example.sh needs)
 set -euo pipefail
+what=${1:-all}
 
 missing=()
 have_cmd()  { command -v "$1" >/dev/null 2>&1; }
@@ -11,18 +13,26 @@ have_cmd make    || missing+=(make)
 have_cmd cmake   || missing+=(cmake)
 have_cmd python3 || missing+=(python3)
 have_file /usr/include/boost/property_tree/ptree.hpp || missing+=(libboost-dev)
+have_file /usr/include/mimalloc.h                    || missing+=(libmimalloc-dev)
+# command lines and JSON of the programs beside advzorv
+have_file /usr/include/CLI/CLI.hpp                   || missing+=(libcli11-dev)
+have_file /usr/include/nlohmann/json.hpp             || missing+=(nlohmann-json3-dev)
+# The rest serves the tests, benchmarks and fuzzing.
+if [ "$what" != example ]; then
 have_file /usr/include/gtest/gtest.h                 || missing+=(libgtest-dev)
 have_file /usr/include/gmock/gmock.h                 || missing+=(libgmock-dev)
 have_file /usr/include/benchmark/benchmark.h         || missing+=(libbenchmark-dev)
-have_file /usr/include/mimalloc.h                    || missing+=(libmimalloc-dev)
 have_cmd xmllint  || missing+=(libxml2-utils)  # validates the documents against their schemas
 have_cmd strace   || missing+=(strace)         # fails a run's system calls in turn
 have_cmd chromium || missing+=(chromium)       # the report's HTML page is checked in a browser
 have_cmd dpkg-shlibdeps || missing+=(dpkg-dev)  # cpack -G DEB
 have_file /usr/include/libxml2/libxml/parser.h       || missing+=(libxml2-dev)
+# the JSON Schema check
+python3 -c 'import jsonschema' 2>/dev/null           || missing+=(python3-jsonschema)
 # clang and its libFuzzer runtime, for scripts/fuzz.sh
 have_cmd clang++ || missing+=(clang)
 dpkg -s libclang-rt-14-dev >/dev/null 2>&1 || missing+=(libclang-rt-14-dev)
+fi
 
 if [ ${#missing[@]} -eq 0 ]; then
     exit 0

@@ -1,0 +1,282 @@
+#!/usr/bin/env python3
+"""advzorv-series end to end. A fake build (fake_build.sh) writes link
+information whose code size grows with the value; each case plays a whole
+series in a scratch directory and compares the exit status, the messages, the
+builds that ran, the chart and advice that advzorv recorded and the documents'
+validity.
+
+Usage: series_test.py ADVZORV_SERIES ADVZORV FAKE_BUILD SCHEMA_DIR outcomes|stops
+"""
+import os
+import json
+import shlex
+import shutil
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+import xml.etree.ElementTree as ET
+
+series, advzorv, fake_build, schema_dir = map(os.path.abspath, sys.argv[1:5])
+group = sys.argv[5]
+FILES = ["--advice_file=advice.xml", "--benchmarks_file=perf_results.xml",
+         "--xml_link_info=link_info.xml", "--linker_options_file=options.cmd"]
+COMMAND = ["--", fake_build, "{value}", "{setting}", "opt={option}", "{other}{"]
+failures = []
+
+
+def check(ok, what):
+    if not ok:
+        failures.append(what)
+
+
+def start(work, args, env):
+    environment = {k: v for k, v in os.environ.items() if not k.startswith("FAKE_")}
+    return subprocess.Popen([series, "--advzorv=" + advzorv, *args, *FILES, *COMMAND], cwd=work,
+                            env={**environment, "CI": "1", **env}, text=True,
+                            stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+
+
+def chart(work):
+    """The bars as {key: colour}, or None when there is no results document."""
+    path = os.path.join(work, "perf_results.xml")
+    if not os.path.exists(path):
+        return None
+    return {bar.get("option_value"): bar.get("color")
+            for bar in ET.parse(path).getroot().find("chart")}
+
+
+def recommended(work):
+    path = os.path.join(work, "advice.xml")
+    entries = ET.parse(path).getroot().findall("advice") if os.path.exists(path) else []
+    return [(a.get("diag_code"), a.get("value")) for a in entries
+            if a.get("advice_type") == "build_results"]
+
+
+def builds(work):
+    path = os.path.join(work, "fake_build.record")
+    return open(path).read().splitlines() if os.path.exists(path) else []
+
+
+def check_documents_valid(name, work):
+    if not shutil.which("xmllint"):
+        return
+    for document, schema in (("advice.xml", "advice.xsd"), ("perf_results.xml",
+                                                            "perf_results.xsd")):
+        path = os.path.join(work, document)
+        if os.path.exists(path):
+            lint = subprocess.run(["xmllint", "--noout", "--schema",
+                                   os.path.join(schema_dir, schema), path],
+                                  capture_output=True, text=True)
+            check(lint.returncode == 0, "%s: %s is not valid: %s" % (name, document, lint.stderr))
+
+
+def record_line(value, option="--opt_for_speed"):
+    setting = "%s=%s" % (option, value)
+    return "%s %s opt=%s {other}{|%s|%s|%s" % (value, setting, option, value, option, setting)
+
+
+Y, G, R, C = "yellow", "green", "red", "cyan"
+SPEED = ["0", "1", "2", "3", "4", "5"]
+# name, arguments, environment, status, messages (in stderr), bars (None: no
+# document), values built, build_results advice [(code, value)], shown (in stdout)
+OUTCOMES = [
+    ("the table's values of --opt_for_speed, one bar each, best green",
+     ["--option=--opt_for_speed", "--html=page.xhtml", "--export-json=series.json",
+      "--export-markdown=series.md"], {"FAKE_RED": "5"}, 0,
+     ["[6/6] --opt_for_speed=5"], dict(zip(SPEED, [Y, Y, Y, Y, G, R])), SPEED,
+     [("27011", "4")], ["27011", "recommends --opt_for_speed=4", "best"]),
+    ("-O varies --opt_level over the table's words", ["--option=-O"], {}, 0, [],
+     dict.fromkeys(["off", "0", "1", "2", "3", "4"], C), ["off", "0", "1", "2", "3", "4"], [],
+     ["Vary Optimization Level"]),
+    ("a failed build stops the series", ["--option=--opt_for_speed", "--values=0,1,2,3"],
+     {"FAKE_FAIL": "2"}, 1,
+     ["the build at --opt_for_speed=2 failed with status 2", "fake build failed at 2"],
+     {"0": Y, "1": G}, ["0", "1", "2"], [], []),
+    ("a failed build, keep going", ["--option=--opt_for_speed", "--values=0,1,2,3",
+                                    "--keep-going"], {"FAKE_FAIL": "2"}, 1,
+     ["the build at --opt_for_speed=2 failed with status 2",
+      "the chart holds no bar for --opt_for_speed=2"],
+     {"0": Y, "1": Y, "3": G}, ["0", "1", "2", "3"], [], []),
+    ("a link file the build left alone", ["--option=--opt_for_speed", "--values=0,1,2,3"],
+     {"FAKE_STALE": "2"}, 1, ["link_info.xml was not rewritten by the build at --opt_for_speed=2"],
+     {"0": Y, "1": G}, ["0", "1", "2"], [], []),
+    ("a link file the build left alone, keep going",
+     ["--option=--opt_for_speed", "--values=0,1,2,3", "--keep-going"], {"FAKE_STALE": "2"}, 1,
+     ["link_info.xml was not rewritten by the build at --opt_for_speed=2"],
+     {"0": Y, "1": Y, "3": G}, ["0", "1", "2", "3"], [], []),
+    ("no link file at all", ["--option=--opt_for_speed", "--values=0,1"], {"FAKE_STALE": "0"}, 1,
+     ["link_info.xml was not written by the build at --opt_for_speed=0: no bar"], {}, ["0"], [],
+     []),
+    ("a link file that isn't XML", ["--option=--opt_for_speed", "--values=0,1,2,3"],
+     {"FAKE_GARBAGE": "2"}, 1,
+     ["link_info.xml from the build at --opt_for_speed=2 is not well-formed link information"],
+     {"0": Y, "1": G}, ["0", "1", "2"], [], []),
+    ("a link file that isn't XML, keep going",
+     ["--option=--opt_for_speed", "--values=0,1,2,3", "--keep-going"], {"FAKE_GARBAGE": "2"}, 1,
+     ["link_info.xml from the build at --opt_for_speed=2 is not well-formed link information"],
+     {"0": Y, "1": Y, "3": G}, ["0", "1", "2", "3"], [], []),
+    ("a link older than the results document", ["--option=--opt_for_speed", "--values=0,1"],
+     {"FAKE_OLD": "1"}, 1,
+     ["link_info.xml was not rewritten by the build at --opt_for_speed=1 (link time 0x10 is "
+      "older than the results document's 0x"], {"0": G}, ["0", "1"], [], []),
+    ("a link with nothing to count", ["--option=--opt_for_speed", "--values=0,1"],
+     {"FAKE_EMPTY": "1"}, 1, ["from the build at --opt_for_speed=1 gives a code size of 0"],
+     {"0": G}, ["0", "1"], [], []),
+    ("a series kept going ends though its last build gives no bar",
+     ["--option=--opt_for_speed", "--values=0,1,2", "--keep-going"],
+     {"FAKE_GARBAGE": "2", "FAKE_OPTIONS": "--opt_for_speed=0"}, 1,
+     ["the chart holds no bar for --opt_for_speed=2"], {"0": Y, "1": G}, ["0", "1", "2"],
+     [("27011", "1")], []),
+    ("a value the table refuses, before any build",
+     ["--option=--opt_for_speed", "--values=0,6"], {}, 1,
+     ["argument to option --opt_for_speed (0-5) is out of range"], None, [], [], []),
+    ("a word the table refuses, before any build",
+     ["--option=--opt_level", "--values=2,fast"], {}, 1,
+     ["bad argument to option --opt_level: should be one of {off,0,1,2,3,4}"], None, [], [], []),
+    ("a value given twice, before any build", ["--option=--opt_for_speed", "--values=1,2,1"],
+     {}, 1, ["value 1 of --opt_for_speed is given twice"], None, [], [], []),
+    ("an option the table doesn't know", ["--option=--fastest"], {}, 1,
+     ["--fastest is no option of the compiler shell"], None, [], [], []),
+    ("an option of the series it doesn't know, as usage", ["--option=--opt_for_speed",
+                                                           "--fast"], {}, 2,
+     ["not expected: -- --fast"], None, [], [], []),
+]
+
+
+def check_outcomes():
+    for (name, args, env, status, messages, bars, values, advice, shown) in OUTCOMES:
+        with tempfile.TemporaryDirectory(prefix="advzorv-series-") as work:
+            run = start(work, args, env)
+            out, err = run.communicate(timeout=120)
+            check(run.returncode == status, "%s: status %d\n%s" % (name, run.returncode, err))
+            for message in messages:
+                check(message in err, "%s: no %r in\n%s" % (name, message, err))
+            check(chart(work) == bars, "%s: chart %s" % (name, chart(work)))
+            option = {"-O": "--opt_level"}.get(args[0][len("--option="):], "--opt_for_speed")
+            check(builds(work) == [record_line(v, option) for v in values],
+                  "%s: builds %s" % (name, builds(work)))
+            check(recommended(work) == advice, "%s: advice %s" % (name, recommended(work)))
+            for text in shown:
+                check(text in out, "%s: no %r in the report\n%s" % (name, text, out))
+            check_exports(name, work, args)
+            check_documents_valid(name, work)
+
+
+def check_exports(name, work, args):
+    """The views asked for hold the chart that the results document holds."""
+    files = dict(arg[2:].split("=", 1) for arg in args if "=" in arg)
+    bars = chart(work)
+    if "html" in files:
+        ET.parse(os.path.join(work, files["html"]))  # well-formed XHTML
+    if "export-json" in files:
+        with open(os.path.join(work, files["export-json"])) as f:
+            exported = json.load(f)
+        shown = {bar["key"]: bar["color"] for bar in exported["chart"]["bars"]}
+        check(shown == bars, "%s: JSON bars %s" % (name, shown))
+        check(exported["best"] == next((k for k, c in bars.items() if c == G), ""),
+              "%s: JSON best %r" % (name, exported["best"]))
+        try:
+            import jsonschema
+        except ImportError:
+            print("python3-jsonschema not found: the JSON is not validated")
+            return
+        with open(os.path.join(schema_dir, "report_documents.schema.json")) as f:
+            schema = json.load(f)
+        errors = list(jsonschema.Draft202012Validator(schema).iter_errors(exported))
+        check(not errors, "%s: JSON against its schema: %s" % (name, [e.message for e in errors]))
+    if "export-markdown" in files:
+        with open(os.path.join(work, files["export-markdown"])) as f:
+            rows = [line for line in f if line.startswith("| ")]
+        for key in bars:
+            check(any(row.startswith("| %s | " % key) for row in rows),
+                  "%s: no Markdown row of bar %s" % (name, key))
+
+
+# How progress is shown: live on a terminal (script(1) gives one), plain in a
+# log or under CI. name, on a terminal, environment, wanted, unwanted (in stderr)
+PROGRESS = [
+    ("terminal", True, {}, ["\x1b[K[2/3] --opt_for_speed=1  ", " to go"], []),
+    ("terminal under CI", True, {"CI": "1"}, ["[3/3] --opt_for_speed=2  "], ["\x1b"]),
+    ("log", False, {}, ["[1/3] --opt_for_speed=0  ", "built\n[2/3]"], ["\r", "\x1b"]),
+]
+
+
+def check_progress():
+    command = [series, "--advzorv=" + advzorv, "--option=--opt_for_speed", "--values=0,1,2",
+               *FILES, *COMMAND]
+    for name, on_terminal, env, wanted, unwanted in PROGRESS:
+        environment = {k: v for k, v in os.environ.items() if k != "CI"}
+        with tempfile.TemporaryDirectory(prefix="advzorv-series-") as work:
+            if on_terminal:
+                line = " ".join(shlex.quote(word) for word in command) + " 2>&1 >/dev/null"
+                shown = subprocess.run(["script", "-qec", line, "/dev/null"], cwd=work,
+                                       env={**environment, **env}, capture_output=True,
+                                       text=True).stdout
+            else:
+                shown = subprocess.run(command, cwd=work, env={**environment, **env},
+                                       capture_output=True, text=True).stderr
+            for text in wanted:
+                check(text in shown, "progress on a %s: no %r in %r" % (name, text, shown))
+            for text in unwanted:
+                check(text not in shown, "progress on a %s: %r in %r" % (name, text, shown))
+
+
+def live_processes_of_group(pgid):
+    found = []
+    for pid in filter(str.isdigit, os.listdir("/proc")):
+        try:
+            with open("/proc/%s/stat" % pid) as f:
+                fields = f.read().rsplit(")", 1)[1].split()
+        except OSError:
+            continue
+        if fields[0] != "Z" and int(fields[2]) == pgid:
+            found.append(pid)
+    return found
+
+
+def wait_for_file(path, seconds):
+    deadline = time.monotonic() + seconds
+    while not os.path.exists(path) and time.monotonic() < deadline:
+        time.sleep(0.05)
+    return os.path.exists(path)
+
+
+# A stop during the third build: that build and everything it started ends,
+# nothing is recorded for it, the documents stay whole.
+STOPS = [(signal.SIGINT, 130, "SIGINT"), (signal.SIGTERM, 143, "SIGTERM")]
+
+
+def check_stops():
+    for sig, status, name in STOPS:
+        with tempfile.TemporaryDirectory(prefix="advzorv-series-") as work:
+            run = start(work, ["--option=--opt_for_speed"], {"FAKE_SLEEP": "2"})
+            pid_file = os.path.join(work, "fake_build.pid")
+            if not wait_for_file(pid_file, 60):
+                run.kill()
+                failures.append("%s: the third build never started\n%s" % (name,
+                                                                         run.communicate()[1]))
+                continue
+            time.sleep(0.05)  # the pid is written before the shell sleeps
+            build_pid = int(open(pid_file).read())
+            run.send_signal(sig)
+            sent = time.monotonic()
+            _, err = run.communicate(timeout=30)
+            check(time.monotonic() - sent < 5, "%s: the series took %.1f s to stop"
+                  % (name, time.monotonic() - sent))
+            check(run.returncode == status, "%s: status %d\n%s" % (name, run.returncode, err))
+            check("stopped by %s; recorded --opt_for_speed=0, 1" % name in err, name + ": " + err)
+            check(chart(work) == {"0": Y, "1": G}, "%s: chart %s" % (name, chart(work)))
+            check(len(builds(work)) == 3, "%s: builds %s" % (name, builds(work)))
+            check(not live_processes_of_group(build_pid), "%s: the build's processes live on: %s"
+                  % (name, live_processes_of_group(build_pid)))
+            check(os.listdir(work).count("advice.xml") == 1 and
+                  not [f for f in os.listdir(work) if ".advzorv-new" in f],
+                  "%s: files %s" % (name, os.listdir(work)))
+            check_documents_valid(name, work)
+
+
+{"outcomes": lambda: (check_outcomes(), check_progress()), "stops": check_stops}[group]()
+print("\n".join(failures) or "ok")
+sys.exit(1 if failures else 0)
