@@ -3,7 +3,6 @@
 #include "ADVICE_PERF/driver.h"
 #include "UTIL/cmdfile.h"
 
-#include <sys/stat.h>
 #include <cstdlib>
 
 FILE* cmd_file = nullptr;
@@ -13,13 +12,6 @@ namespace {
 char* cmd_token = nullptr;
 // Index of the next argv element to hand out.
 int arg_index = 1;
-
-// A directory opens for reading but reads as nothing: it is no command file.
-// Pipes and devices are read as they come.
-bool is_directory(FILE* file) {
-  struct stat status {};
-  return fstat(fileno(file), &status) == 0 && S_ISDIR(status.st_mode);
-}
 }  // namespace
 
 const char* next_arg() {
@@ -36,11 +28,8 @@ const char* next_arg() {
 }
 
 void open_cmd_file(const char* path) {
-  cmd_file = std::fopen(path, "r");
-  if (cmd_file && is_directory(cmd_file)) {
-    std::fclose(cmd_file);
-    cmd_file = nullptr;
-  }
+  // A directory is no command file; pipes and devices are read as they come.
+  cmd_file = open_command_file(path);
   if (!cmd_file) {
     std::fprintf(stderr, "Cannot open command file %s\n", path);
     std::exit(1);

@@ -4,7 +4,13 @@
 // (the target's directory, for a symbolic link), not on the document: a
 // document is replaced by rename, and a lock on the old file would no longer
 // guard what the name holds, while the directory stays. No lock file is made.
-// The kernel drops the locks when the process ends, however it ends.
+// Where a directory can't be locked (it can't be opened for reading, or its
+// file system has no flock), its documents are locked themselves, by open
+// file description locks (fcntl), each taken again on the new file when a run
+// replaced it meanwhile; a document not there yet is made, empty, to be
+// locked, and removed again if it is still empty at the release.
+// A run waiting for a lock sleeps until it is released. The kernel drops the
+// locks when the process ends, however it ends.
 
 #include <chrono>
 #include <string>
@@ -15,10 +21,13 @@ enum class lock_mode { shared, exclusive };
 class DOCUMENT_LOCKS {
  public:
   // Locks the directories of documents, each once, in the order of their
-  // device and inode numbers, so runs that name the same documents in any
-  // order or role can't deadlock. Waits up to patience for each lock; if one
-  // stays held elsewhere, releases the others and busy_directory names it. A
-  // directory that can't be opened is skipped: writing there fails anyway.
+  // device and inode numbers (a directory's documents, where they are locked
+  // instead, in the order of their names), so runs that name the same
+  // documents in any order or role can't deadlock. Waits up to patience for
+  // each lock; if one stays held elsewhere, releases the others and
+  // busy_directory names its directory. A directory that can't be found, or
+  // a document that can't be opened where the directory can't be locked, is
+  // skipped: writing there fails anyway.
   DOCUMENT_LOCKS(const std::vector<std::string>& documents, lock_mode mode,
                  std::chrono::milliseconds patience);
   ~DOCUMENT_LOCKS();
@@ -29,8 +38,19 @@ class DOCUMENT_LOCKS {
   const std::string& busy_directory() const { return busy; }
 
  private:
+  struct HELD {
+    int fd;                // an open descriptor of what is locked
+    std::string made;      // the path of a document made to be locked, else empty
+  };
+  enum class OUTCOME { held, busy, unsupported };
+
+  OUTCOME lock_directory(const std::string& name, int operation,
+                         std::chrono::steady_clock::time_point deadline);
+  OUTCOME lock_document(const std::string& path, lock_mode mode,
+                        std::chrono::steady_clock::time_point deadline);
+  bool already_held(int fd) const;
   void release();
 
-  std::vector<int> held;  // open descriptors of the locked directories
+  std::vector<HELD> held;
   std::string busy;
 };

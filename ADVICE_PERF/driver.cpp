@@ -104,13 +104,17 @@ void check_required_options() {
 // How long a run waits for another run that shares its documents.
 constexpr std::chrono::seconds lock_patience(60);
 
-// Reads the link information and both documents, has the documents updated
-// and writes them: the results document first, then the advice document. The
-// documents stay locked from before the reading until after the writing. The
-// objects go in reverse order of building.
+// Reads the link information, then both documents, has the documents
+// updated and writes them: the results document first, then the advice
+// document. The documents stay locked from before their reading until after
+// their writing; the link information, which no run writes, is read before,
+// so that runs sharing the documents parse their link files side by side.
+// The objects go in reverse order of building.
 void update_documents() {
   const char* advice_file = cmdline_options->getstrarg(option_obj::ADVICE_FILE, 0);
   const char* results_file = cmdline_options->getstrarg(option_obj::BENCHMARKS_FILE, 0);
+  auto link_data =
+      std::make_unique<LINK_DATA>(cmdline_options->getstrarg(option_obj::XML_LINK_INFO, 0));
   const DOCUMENT_LOCKS locks({advice_file, results_file}, lock_mode::exclusive, lock_patience);
   if (!locks.busy_directory().empty()) {
     std::fprintf(stderr,
@@ -118,8 +122,6 @@ void update_documents() {
                  locks.busy_directory().c_str(), static_cast<long long>(lock_patience.count()));
     std::exit(1);
   }
-  auto link_data =
-      std::make_unique<LINK_DATA>(cmdline_options->getstrarg(option_obj::XML_LINK_INFO, 0));
   auto advice = std::make_unique<ADVICE>(advice_file, *link_data);
   auto perf_results = std::make_unique<PERF_RESULTS>(results_file, *link_data, advice.get());
   // Advice entries are texts the diagnostics build as single lines, so

@@ -49,6 +49,7 @@ class LINK_DATA : public PTREE_INFO {
 
  protected:
   const KEPT_ELEMENT* kept_elements() const override;
+  bool written_back() const override { return false; }
   void read_body() override;
   void write_body() override;
   int32_t read_version() override;

@@ -1,9 +1,10 @@
 #include "ADVICE_PERF/ptree_info.h"
 
-#include "ADVICE_PERF/file_replace.h"
 #include "ADVICE_PERF/xml_text.h"
 
 #include <boost/property_tree/xml_parser.hpp>
+
+#include <sys/stat.h>
 
 #include <ctime>
 #include <optional>
@@ -32,15 +33,23 @@ void set_timestamp_clock(timestamp_clock clock) {
   run_time.reset();
 }
 
-ptree XML_PTREE::read(const KEPT_ELEMENT* kept) const {
-  return read_xml_file(file_name, kept);
+ptree XML_PTREE::read(const KEPT_ELEMENT* kept) {
+  ptree tree = read_xml_file(file_name, kept);
+  // Absent, empty or read whole, the old file has nothing the new one lacks;
+  // any other file that gave no tree (not well-formed, a read error, no
+  // permission) is kept when it is replaced.
+  struct stat status {};
+  const bool unread = tree.empty() && stat(file_name, &status) == 0 &&
+                      S_ISREG(status.st_mode) && status.st_size > 0;
+  old = unread ? old_document::kept : old_document::dropped;
+  return tree;
 }
 
 void XML_PTREE::write(const ptree& tree) const {
   const xml_parser::xml_writer_settings<std::string> settings('\t', 1, "utf-8");
   std::ostringstream text;
   xml_parser::write_xml(text, tree, settings);
-  replace_file(file_name, strict_xml_text(text.str()));
+  replace_file(file_name, strict_xml_text(text.str()), old);
 }
 
 PTREE_INFO::PTREE_INFO(const char* file_name)
@@ -51,6 +60,10 @@ PTREE_INFO::~PTREE_INFO() {
 }
 
 void PTREE_INFO::input() {
+  struct stat status {};
+  const bool stream = stat(file_name, &status) == 0 && !S_ISREG(status.st_mode) &&
+                      !S_ISDIR(status.st_mode);
+  if (stream && written_back()) return;
   xml->read(kept_elements()).swap(pt);
   if (pt.empty()) return;
   file_version = read_version();

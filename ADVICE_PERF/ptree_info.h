@@ -3,6 +3,7 @@
 // and writing one back, the version and time stamp that head the tool's own
 // documents, and the one numeric text format of times, sizes and counts.
 
+#include "ADVICE_PERF/file_replace.h"
 #include "ADVICE_PERF/hex_number.h"
 #include "ADVICE_PERF/xml_read.h"
 
@@ -46,13 +47,16 @@ class XML_PTREE {
 
   // The file's tree (with kept set, only the elements it names; see
   // read_xml_file); an empty tree when the file can't be opened or parsed.
-  ptree read(const KEPT_ELEMENT* kept = nullptr) const;
+  // A regular file that holds bytes but gives no tree is marked for keeping.
+  ptree read(const KEPT_ELEMENT* kept = nullptr);
   // Replaces the file with the tree, as strict XML 1.0 (see strict_xml_text),
-  // through replace_file; failures throw xml_parser_error.
+  // through replace_file, which keeps the old file when the last read could
+  // not use it; failures throw xml_parser_error.
   void write(const ptree& tree) const;
 
  private:
   const char* file_name;  // not owned; lives for the whole run
+  old_document old = old_document::dropped;
 };
 
 // Abstract base of the documents. A derived constructor sets version and
@@ -77,6 +81,9 @@ class PTREE_INFO {
   // The elements input keeps of the file (not owned; lives for the whole
   // run); nullptr keeps the whole document.
   virtual const KEPT_ELEMENT* kept_elements() const { return nullptr; }
+  // Whether output rewrites the file. Such a file that is a device, FIFO or
+  // socket holds no document and is not read: reading it could wait forever.
+  virtual bool written_back() const { return true; }
   virtual void read_body() = 0;
   virtual void write_body() = 0;
   // The version in pt, or -1 when it is missing or isn't an integer.

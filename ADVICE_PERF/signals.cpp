@@ -1,7 +1,6 @@
 #include "ADVICE_PERF/signals.h"
 
 #include "ADVICE_PERF/driver.h"
-#include "ADVICE_PERF/file_replace.h"
 #include "UTIL/fatal_error.h"
 
 #include <signal.h>
@@ -19,7 +18,6 @@ const char* internal_fault_text(int sig) {
 }
 
 [[noreturn]] void report_internal_error(int sig) {
-  discard_unfinished_replacement();
   std::fprintf(stderr, "\nINTERNAL ERROR: %s %s while\n", tool_path, internal_fault_text(sig));
   std::fflush(nullptr);
   std::fprintf(stderr, "                processing\n\n");
@@ -46,7 +44,6 @@ void signal_handler(int sig) {
     default:
       report_internal_error(sig);
   }
-  discard_unfinished_replacement();
   std::fflush(nullptr);
   _exit(2);
 }

@@ -23,6 +23,7 @@ have_file /usr/include/gtest/gtest.h                 || missing+=(libgtest-dev)
 have_file /usr/include/gmock/gmock.h                 || missing+=(libgmock-dev)
 have_file /usr/include/benchmark/benchmark.h         || missing+=(libbenchmark-dev)
 have_cmd xmllint  || missing+=(libxml2-utils)  # validates the documents against their schemas
+have_cmd strace   || missing+=(strace)         # fails a run's system calls in turn
 have_cmd chromium || missing+=(chromium)       # the report's HTML page is checked in a browser
 have_cmd node     || missing+=(nodejs)  # drives Chromium for the page's accessibility checks
 have_cmd npm      || missing+=(npm)

@@ -14,10 +14,12 @@
 #include <sys/wait.h>
 #include <unistd.h>
 #include <filesystem>
+#include <set>
 
 namespace {
 
 namespace fs = std::filesystem;
+using boost::property_tree::xml_parser::xml_parser_error;
 using namespace std::chrono_literals;
 
 TEST(StrictXmlText, ReplacesWhatXmlCannotCarryAndKeepsTheRest) {
@@ -47,14 +49,19 @@ class ReplaceFile : public ::testing::Test {
  protected:
   TempDir dir;
   const std::string doc = dir.file("perf.xml");
-  const std::string temp = dir.file(".perf.xml.advzorv-new");
 
   void SetUp() override { write_file(doc, "old"); }
 
+  std::set<std::string> names() const {
+    std::set<std::string> found;
+    for (const auto& entry : fs::directory_iterator(dir.path()))
+      found.insert(entry.path().filename().string());
+    return found;
+  }
   // The directory holds the document and nothing else.
   void expect_untouched() const {
     EXPECT_EQ(read_file(doc), "old");
-    EXPECT_FALSE(fs::exists(temp));
+    EXPECT_EQ(names(), std::set<std::string>{"perf.xml"});
   }
 };
 
@@ -65,7 +72,7 @@ TEST_F(ReplaceFile, KeepsPermissionBitsAndSymbolicLinks) {
   EXPECT_TRUE(fs::is_symlink(dir.file("link.xml")));
   EXPECT_EQ(read_file(doc), "new");
   EXPECT_EQ(fs::status(doc).permissions(), static_cast<fs::perms>(0640));
-  EXPECT_FALSE(fs::exists(temp));
+  EXPECT_EQ(names(), (std::set<std::string>{"link.xml", "perf.xml"}));
 
   fs::create_symlink("made.xml", dir.file("dangling.xml"));
   replace_file(dir.file("dangling.xml"), "made");
@@ -83,22 +90,38 @@ TEST_F(ReplaceFile, AFailedWriteLeavesTheOldFileAndNoNewOne) {
   setrlimit(RLIMIT_FSIZE, &saved);
   expect_untouched();
 
-  fs::create_directory(temp);  // the new file can't be made
-  try {
-    replace_file(doc, "new");
-    ADD_FAILURE() << "no error";
-  } catch (const boost::property_tree::xml_parser::xml_parser_error& e) {
-    EXPECT_EQ(e.message(), "cannot open file");
-    EXPECT_EQ(e.filename(), doc);
-  }
-  EXPECT_EQ(read_file(doc), "old");
-  fs::remove(temp);
-
   chmod(doc.c_str(), 0444);  // read-only is kept, unless root ignores it
   if (access(doc.c_str(), W_OK) != 0) {
     EXPECT_ANY_THROW(replace_file(doc, "new"));
   }
   expect_untouched();
+}
+
+// Beside the document stay its old file when that could not be read (the
+// latest one), and a running run's new file; new files of ended runs go. Names
+// of any length are written, and a loop of links is no file to write.
+TEST_F(ReplaceFile, KeepsAnUnreadableOldFileClearsWhatEndedRunsLeftAndFitsNames) {
+  const pid_t ended = fork();
+  if (ended == 0) _exit(0);
+  waitpid(ended, nullptr, 0);
+  const std::string new_file = ".perf.xml.advzorv-new", running = new_file + "." + std::to_string(getppid());
+  for (const std::string& name : {running, new_file + "." + std::to_string(ended), new_file})
+    write_file(dir.file(name), "left");
+  replace_file(doc, "first", old_document::kept);
+  replace_file(doc, "second", old_document::kept);
+  EXPECT_EQ(read_file(doc), "second");
+  EXPECT_EQ(read_file(dir.file(".perf.xml.advzorv-unreadable")), "first");
+  EXPECT_EQ(names(), (std::set<std::string>{running, ".perf.xml.advzorv-unreadable", "perf.xml"}));
+
+  const std::string longest = dir.file(std::string(255, 'n'));
+  replace_file(longest, "one");
+  replace_file(longest, "two", old_document::kept);
+  EXPECT_EQ(read_file(longest), "two");
+  EXPECT_EQ(names().size(), 5u);  // with the document and its kept old file
+
+  fs::create_symlink("loop.xml", dir.file("loop.xml"));
+  EXPECT_THROW(replace_file(dir.file("loop.xml"), "x"), xml_parser_error);
+  EXPECT_TRUE(fs::is_symlink(dir.file("loop.xml")));
 }
 
 // A directory that takes no new file gets its writable document rewritten in

@@ -3,6 +3,7 @@
 // the series result going once the build uses it, and how new a link must be.
 #include "ADVICE_PERF/advice.h"
 #include "ADVICE_PERF/driver.h"
+#include "ADVICE_PERF/file_text.h"
 #include "ADVICE_PERF/link_data.h"
 #include "ADVICE_PERF/perf_results.h"
 #include "ADVICE_PERF/xml_read.h"
@@ -13,6 +14,8 @@
 #include "tests/util/temp_dir.h"
 
 #include <gtest/gtest.h>
+
+#include <unistd.h>
 
 #include <filesystem>
 #include <string>
@@ -74,6 +77,27 @@ TEST(ReadXmlFile, NestingAndEndlessInputAreBounded) {
   EXPECT_TRUE(read_xml_file(path.c_str()).empty());
   EXPECT_TRUE(read_xml_file("/dev/zero").empty());
   EXPECT_TRUE(read_xml_file(dir.path().c_str()).empty());
+}
+
+// One size rule for regular files and pipes: more than the limit before the
+// first NUL byte is too much, and a NUL ends the text.
+TEST(LoadFileText, RegularFilesAndPipesShareOneSizeRule) {
+  TempDir dir;
+  const std::string path = dir.file("text"), x100(100, 'x');
+  const std::pair<std::string, bool> cases[] = {
+      {x100, true}, {x100 + "x", false}, {x100 + '\0' + x100 + x100, true}, {"", true}};
+  for (const auto& [content, fits] : cases) {
+    write_file(path, content);
+    int ends[2];
+    ASSERT_TRUE(pipe(ends) == 0 && write(ends[1], content.data(), content.size()) >= 0);
+    close(ends[1]);
+    for (const std::string& source : {path, "/proc/self/fd/" + std::to_string(ends[0])}) {
+      FILE_TEXT file;
+      EXPECT_EQ(load_file_text(source.c_str(), file, 100), fits) << content << " in " << source;
+      EXPECT_TRUE(!fits || std::string(file.text.get(), file.size) == content.c_str()) << source;
+    }
+    close(ends[0]);
+  }
 }
 
 // The time the tests' clock gives; it moves on at every reading, so only a

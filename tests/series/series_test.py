@@ -272,7 +272,7 @@ def check_stops():
             check(not live_processes_of_group(build_pid), "%s: the build's processes live on: %s"
                   % (name, live_processes_of_group(build_pid)))
             check(os.listdir(work).count("advice.xml") == 1 and
-                  not [f for f in os.listdir(work) if f.endswith("advzorv-new")],
+                  not [f for f in os.listdir(work) if ".advzorv-new" in f],
                   "%s: files %s" % (name, os.listdir(work)))
             check_documents_valid(name, work)
 

@@ -43,6 +43,9 @@ TEST(Fnextopt, Tokenizes) {
       // Long words come back whole.
       {std::string(200, 'w') + " \"" + std::string(500, 'q') + "\"",
        {std::string(200, 'w'), std::string(500, 'q')}},
+      // A word ends for its readers at a NUL byte, but is read to its end by
+      // the same rules: comments, and "#" behind a dash.
+      {std::string("a\0/* b */-#c d\n e", 17), {"a", "d", "e"}},
   };
   for (const auto& c : cases)
     EXPECT_EQ(tokens(c.content), c.expected) << c.content;
