@@ -32,8 +32,8 @@ void set_timestamp_clock(timestamp_clock clock) {
   run_time.reset();
 }
 
-ptree XML_PTREE::read(const KEPT_ELEMENT* kept) const {
-  return read_xml_file(file_name, kept);
+ptree XML_PTREE::read() const {
+  return read_xml_file(file_name);
 }
 
 void XML_PTREE::write(const ptree& tree) const {
@@ -51,7 +51,7 @@ PTREE_INFO::~PTREE_INFO() {
 }
 
 void PTREE_INFO::input() {
-  xml->read(kept_elements()).swap(pt);
+  xml->read().swap(pt);
   if (pt.empty()) return;
   file_version = read_version();
   timestamp = convert<uint64_t>(read_timestamp());

@@ -44,9 +44,9 @@ class XML_PTREE {
   explicit XML_PTREE(const char* file_name) : file_name(file_name) {}
   virtual ~XML_PTREE() = default;
 
-  // The file's tree (with kept set, only the elements it names; see
-  // read_xml_file); an empty tree when the file can't be opened or parsed.
-  ptree read(const KEPT_ELEMENT* kept = nullptr) const;
+  // The file's tree (see read_xml_file); an empty tree when the file can't
+  // be opened or parsed.
+  ptree read() const;
   // Replaces the file with the tree, as strict XML 1.0 (see strict_xml_text),
   // through replace_file; failures throw xml_parser_error.
   void write(const ptree& tree) const;
@@ -74,9 +74,6 @@ class PTREE_INFO {
   uint64_t get_timestamp() const { return timestamp; }
 
  protected:
-  // The elements input keeps of the file (not owned; lives for the whole
-  // run); nullptr keeps the whole document.
-  virtual const KEPT_ELEMENT* kept_elements() const { return nullptr; }
   virtual void read_body() = 0;
   virtual void write_body() = 0;
   // The version in pt, or -1 when it is missing or isn't an integer.
