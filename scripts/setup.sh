@@ -22,6 +22,8 @@ have_file /usr/include/libxml2/libxml/parser.h       || missing+=(libxml2-dev)
 # clang and its libFuzzer runtime, for scripts/fuzz.sh
 have_cmd clang++ || missing+=(clang)
 dpkg -s libclang-rt-14-dev >/dev/null 2>&1 || missing+=(libclang-rt-14-dev)
+# pugixml, the anchor bench/link_file_bench.py times the tool against
+have_file /usr/include/pugixml.hpp || missing+=(libpugixml-dev)
 
 if [ ${#missing[@]} -eq 0 ]; then
     exit 0
