@@ -31,7 +31,8 @@ struct KEPT_NODE {
 
 // The kept part of a file: the first top-level element of the root's name,
 // then, each behind its element, its attributes and the kept elements below
-// it, in document order. Names and texts point into the tree's own storage.
+// it, in document order. Names and texts point into the tree's own storage;
+// the nodes its functions return belong to the tree and live as long as it.
 class KEPT_TREE {
  public:
   // Whether read_xml_file's tree of the file would be empty: the file can't
