@@ -7,12 +7,24 @@
 #include <cstdint>
 #include <map>
 #include <string>
+#include <vector>
+
+// Whether a logical group counts toward the code size, and if not, why.
+enum class group_count { counted, no_components, uninitialized, debug };
+
+// One logical group as the code size sees it.
+struct GROUP_SIZE {
+  std::string id;
+  std::string name;
+  uint32_t size = 0;  // the bytes the code size adds when the group counts
+  group_count count = group_count::counted;
+};
 
 class LINK_DATA {
  public:
   // Reads the file in full; a missing or unparsable file gives link time 0,
   // error count -1 and code size 0. A file lacking a required element throws
-  // (see read_link_file).
+  // (see read_link_contents).
   explicit LINK_DATA(const char* file_name);
   ~LINK_DATA();
   LINK_DATA(const LINK_DATA&) = delete;
@@ -27,6 +39,8 @@ class LINK_DATA {
   uint32_t get_code_size() const { return code_size; }
   // The linker's error count; -1 when the file doesn't give it.
   int32_t get_link_errors() const { return link_errors; }
+  // Every logical group in id order, classified by the rules of the code size.
+  std::vector<GROUP_SIZE> logical_groups() const;
   // The file's version: -1 for an empty file, 1 when it gives none.
   int32_t get_file_version() const { return file_version; }
   // The same as get_link_time.
@@ -34,6 +48,7 @@ class LINK_DATA {
 
  private:
   void set_code_size();
+  group_count classify(const SECT_INFO& sect) const;
 
   int32_t file_version = -1;
   uint64_t timestamp = 0;

@@ -100,7 +100,7 @@ class LINK_READER {
 
 }  // namespace
 
-LINK_FILE read_link_file(const char* file_name) {
+LINK_FILE read_link_contents(const char* file_name) {
   LINK_FILE link;
   const KEPT_TREE tree = read_kept_elements(file_name, root);
   if (!tree.empty()) LINK_READER(tree).read(link);

@@ -29,4 +29,4 @@ struct LINK_FILE {
 // bounds of read_xml_file gives an empty LINK_FILE. A file that lacks a
 // required element or attribute throws the ptree_bad_path a look-up of its
 // path in the file's property tree throws.
-LINK_FILE read_link_file(const char* file_name);
+LINK_FILE read_link_contents(const char* file_name);

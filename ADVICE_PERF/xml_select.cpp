@@ -117,7 +117,7 @@ class SELECTIVE_PARSER {
         }
     } else if (depth == 0) {
       tree.has_top_level = true;
-      if (name == root.name && tree.nodes.empty()) kept = &root;
+      if (name == root.name) kept = &root;
     }
     const auto node = static_cast<uint32_t>(tree.nodes.size());
     if (kept) tree.nodes.push_back({name, {}, 0, false});

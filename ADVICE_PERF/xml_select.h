@@ -29,18 +29,24 @@ struct KEPT_NODE {
   bool attribute;
 };
 
-// The kept part of a file: the first top-level element of the root's name,
-// then, each behind its element, its attributes and the kept elements below
-// it, in document order. Names and texts point into the tree's own storage;
-// the nodes its functions return belong to the tree and live as long as it.
+// The kept part of a file: each top-level element of the root's name, and
+// behind each element its attributes and the kept elements below it, in
+// document order. Names and texts point into the tree's own storage; the
+// nodes its functions return belong to the tree and live as long as it.
 class KEPT_TREE {
  public:
   // Whether read_xml_file's tree of the file would be empty: the file can't
   // be read, breaks a bound, isn't well-formed, or has no top-level element
   // or comment.
   bool empty() const { return !has_top_level; }
-  // The kept top-level element; nullptr when the file has none.
+  // The first kept top-level element; nullptr when the file has none.
   const KEPT_NODE* root() const { return nodes.empty() ? nullptr : nodes.data(); }
+  // Calls visit with each kept top-level element, in order.
+  template <typename VISIT>
+  void for_each_root(VISIT visit) const {
+    for (uint32_t at = 0; at < nodes.size(); at = nodes[at].end)
+      visit(nodes[at]);
+  }
 
   // The first attribute of element named name; nullptr when none.
   const KEPT_NODE* attribute(const KEPT_NODE& element, std::string_view name) const {
@@ -74,7 +80,7 @@ class KEPT_TREE {
   bool has_top_level = false;
 };
 
-// Reads the file's top-level element named root.name, keeping below it only
-// the elements root names, recursively; the tree is empty wherever
+// Reads the file's top-level elements named root.name, keeping below them
+// only the elements root names, recursively; the tree is empty wherever
 // read_xml_file's would be. root is not owned and is read during the call only.
 KEPT_TREE read_kept_elements(const char* file_name, const KEPT_ELEMENT& root);

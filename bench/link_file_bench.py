@@ -34,6 +34,12 @@ def run(command, cwd):
     return wall, usage.ru_utime + usage.ru_stime, usage.ru_maxrss / 1024
 
 
+def paired(a, b, cwd, runs, before_a=lambda: None):
+    """Medians of a's and b's wall time, of the ratios a/b of wall and of CPU
+    time, and of the peaks: one warm-up pair first, then the two in turn."""
+    return rounds([a, b], cwd, runs, before_a)[1]
+
+
 def rounds(commands, cwd, runs, before_first=lambda: None):
     """For each command after the first, the medians of the first's and its
     wall time, of the ratios first/it of wall and CPU time, and of both peaks;
@@ -83,25 +89,41 @@ def parallel(tool_run, work, runs, count):
         median(r[0] / r[1] for r in table)
 
 
-def plain_run(tool, link, options):
-    """A run of the tool without an event, on documents in its directory."""
+def arguments(doc, sizes, *extra):
+    """The options of a benchmark on generated link files: --build, --runs,
+    --sizes, and each of extra, a pair of an option's name and its settings."""
+    parser = argparse.ArgumentParser(description=doc.splitlines()[0])
+    parser.add_argument("--build", default=os.path.join(ROOT, "build"))
+    parser.add_argument("--runs", type=int, default=5)
+    parser.add_argument("--sizes", default=sizes)
+    for name, settings in extra:
+        parser.add_argument(name, **settings)
+    return parser.parse_args()
+
+
+def generated_link_file(work, size):
+    """A link file of size MB in work, the same every time."""
+    link = os.path.join(work, f"link_{size}.xml")
+    subprocess.run([sys.executable, os.path.join(ROOT, "bench", "gen_link_info.py"),
+                    size, link, "1"], check=True)
+    return link
+
+
+def plain_run(tool, link):
+    """A run of the tool on link without a benchmark event."""
     return [tool, "--advice_file=advice.xml", "--benchmarks_file=perf_results.xml",
-            f"--xml_link_info={link}", f"--linker_options_file={options}"]
+            f"--xml_link_info={link}",
+            f"--linker_options_file={os.path.join(ROOT, 'examples', 'demo', 'options.cmd')}"]
 
 
 def main():
-    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
-    parser.add_argument("--build", default=os.path.join(ROOT, "build"))
-    parser.add_argument("--runs", type=int, default=5)
-    parser.add_argument("--sizes", default="1,10,50")
-    parser.add_argument("--parallel", type=int, default=2 * (os.cpu_count() or 1),
-                        help="runs started at once (default: 2 x cores)")
-    args = parser.parse_args()
+    args = arguments(__doc__, "1,10,50",
+                     ("--parallel", {"type": int, "default": 2 * (os.cpu_count() or 1),
+                                     "help": "runs started at once (default: 2 x cores)"}))
     tool = os.path.join(args.build, "ADVICE_PERF", "advzorv")
     alone = os.path.join(args.build, "bench", "read_xml_alone")
     anchor = os.path.join(args.build, "bench", "pugixml_sum")
     hello = os.path.join(args.build, "bench", "hello_world")
-    options = os.path.join(ROOT, "examples", "demo", "options.cmd")
     if not os.path.exists(anchor):
         sys.exit(f"{anchor} is missing: install libpugixml-dev (scripts/setup.sh) and rebuild")
 
@@ -111,11 +133,9 @@ def main():
               f"{'tool MiB':>8} {'pugixml MiB':>11} {'read_xml s':>10} {'read_xml MiB':>12}")
         tool_wall, links = {}, {}
         for size in args.sizes.split(","):
-            link = links[size] = os.path.join(work, f"link_{size}.xml")
-            subprocess.run([sys.executable, os.path.join(ROOT, "bench", "gen_link_info.py"),
-                            size, link, "1"], check=True)
-            whole = plain_run(tool, link, options)
-            _, pugi, xml = rounds([whole, [anchor, link], [alone, link]], work, args.runs)
+            link = links[size] = generated_link_file(work, size)
+            _, pugi, xml = rounds([plain_run(tool, link), [anchor, link], [alone, link]], work,
+                                  args.runs)
             tool_wall[size] = pugi["a"]
             print(f"{size + ' MB':>10} {pugi['a']:7.3f} {pugi['b']:9.3f} {pugi['ratio']:5.2f} "
                   f"{pugi['cpu_ratio']:9.2f} {pugi['a_peak']:8.1f} {pugi['b_peak']:11.1f} "
@@ -124,10 +144,10 @@ def main():
             print(f"growth: the 50 MB run takes {tool_wall['50'] / tool_wall['10']:.2f}x "
                   "the 10 MB run")
         if "10" in links:
-            one, apart, ratio = parallel(plain_run(tool, links["10"], options), work, args.runs,
+            one, apart, ratio = parallel(plain_run(tool, links["10"]), work, args.runs,
                                          args.parallel)
-            print(f"{args.parallel} runs at once on the 10 MB file: one project {one:.3f} s, separate "
-                  f"documents {apart:.3f} s: ratio {ratio:.2f}")
+            print(f"{args.parallel} runs at once on the 10 MB file: one project {one:.3f} s, "
+                  f"separate documents {apart:.3f} s: ratio {ratio:.2f}")
 
         # The example as a first run: rewriting existing documents adds the
         # file system's flush of replaced files, a cost of writing, not start-up.
@@ -142,7 +162,7 @@ def main():
                 if os.path.exists(os.path.join(demo, name)):
                     os.remove(os.path.join(demo, name))
 
-        m = rounds([example, [hello]], demo, max(args.runs, 20), remove_documents)[1]
+        m = paired(example, [hello], demo, max(args.runs, 20), remove_documents)
         print(f"example first run {m['a'] * 1000:.2f} ms, hello world {m['b'] * 1000:.2f} ms: "
               f"ratio {m['ratio']:.2f}, cpu ratio {m['cpu_ratio']:.2f}")
     finally:

@@ -19,6 +19,10 @@ have_cmd xmllint  || missing+=(libxml2-utils)  # validates the documents against
 have_cmd chromium || missing+=(chromium)       # the report's HTML page is checked in a browser
 have_cmd dpkg-shlibdeps || missing+=(dpkg-dev)  # cpack -G DEB
 have_file /usr/include/libxml2/libxml/parser.h       || missing+=(libxml2-dev)
+# command lines and JSON of the programs beside advzorv, and the JSON Schema check
+have_file /usr/include/CLI/CLI.hpp                   || missing+=(libcli11-dev)
+have_file /usr/include/nlohmann/json.hpp             || missing+=(nlohmann-json3-dev)
+python3 -c 'import jsonschema' 2>/dev/null           || missing+=(python3-jsonschema)
 # clang and its libFuzzer runtime, for scripts/fuzz.sh
 have_cmd clang++ || missing+=(clang)
 dpkg -s libclang-rt-14-dev >/dev/null 2>&1 || missing+=(libclang-rt-14-dev)

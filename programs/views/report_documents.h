@@ -3,6 +3,7 @@
 // never written.
 
 #include "ADVICE_PERF/advice.h"
+#include "ADVICE_PERF/link_data.h"
 #include "ADVICE_PERF/perf_results.h"
 
 #include <memory>
@@ -21,5 +22,10 @@ class document_error : public std::runtime_error {
 };
 
 // Reads both documents; throws document_error for the first one that can't be
-// shown. The paths must outlive the returned documents, which own nothing else.
+// shown, and for a document of the other kind than its role asks for. The paths must outlive the returned documents, which own nothing else.
 REPORT_DOCUMENTS read_documents(const char* advice_file, const char* results_file);
+
+// Reads link information with the tool's own reader; throws document_error
+// when the file is missing, unreadable or not link information. The path must
+// outlive the returned object.
+std::unique_ptr<LINK_DATA> read_link_file(const char* file_name);

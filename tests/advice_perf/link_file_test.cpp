@@ -16,7 +16,7 @@ namespace {
 // id=uninitialized, each group as id=size:name:components; or what was thrown.
 std::string summary(const char* path) {
   try {
-    const LINK_FILE link = read_link_file(path);
+    const LINK_FILE link = read_link_contents(path);
     std::string text = std::to_string(link.link_time) + " " + std::to_string(link.link_errors) +
                        " v" + std::to_string(link.version);
     for (const auto& [id, uninitialized] : link.object_components)

@@ -86,7 +86,7 @@ OUTCOME outcome(READ read) {
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   begin_input();
   const char* path = input_file(data, size);
-  const OUTCOME selective = outcome([&] { return read_link_file(path); });
+  const OUTCOME selective = outcome([&] { return read_link_contents(path); });
   const OUTCOME whole = outcome([&] { return by_paths(whole_tree(path)); });
   if (selective == whole) return 0;
   std::fprintf(stderr, "link file readers differ: selective %s, whole %s\n",

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """Installs the build into a temporary prefix and packs it as a Debian package;
-both must hold the programs, man pages and schemas. The installed advzorv plays
+both must hold the programs, man pages and schemas (XML and JSON). The installed advzorv plays
 a benchmark series whose documents must validate against the installed schemas
 and be readable by the installed advzorv-report; the man page must list the
 options --help lists.
@@ -17,7 +17,8 @@ import tempfile
 build, play_series = map(os.path.abspath, sys.argv[1:3])
 FILES = {"bin/advzorv", "bin/advzorv-report", "share/man/man1/advzorv.1",
          "share/man/man1/advzorv-report.1", "share/advzorv/advice.xsd",
-         "share/advzorv/perf_results.xsd"}
+         "share/advzorv/perf_results.xsd", "share/advzorv/report_documents.schema.json",
+         "share/advzorv/report_sizes.schema.json", "share/advzorv/report_diff.schema.json"}
 failures = []
 
 
@@ -48,6 +49,12 @@ with tempfile.TemporaryDirectory(prefix="advzorv-install-") as tmp:
         run("xmllint", "--noout", "--schema", os.path.join(prefix, "share/advzorv", schema),
             os.path.join(work, document))
     run(os.path.join(prefix, "bin/advzorv-report"), "advice.xml", "perf_results.xml", cwd=work)
+    run(os.path.join(prefix, "bin/advzorv-report"), "--check", "--json=report.json",
+        "advice.xml", "perf_results.xml", cwd=work)
+    run(sys.executable, "-c", "import json, sys, jsonschema; jsonschema.validate("
+        "json.load(open(sys.argv[1])), json.load(open(sys.argv[2])))",
+        os.path.join(work, "report.json"),
+        os.path.join(prefix, "share/advzorv/report_documents.schema.json"))
 
     shown = subprocess.run([os.path.join(prefix, "bin/advzorv"), "--help"],
                            capture_output=True, text=True).stdout

@@ -45,12 +45,23 @@ def check_terminal(work, bars, entries):
 
 
 def check_colour(work):
-    for env, coloured in (({}, True), ({"NO_COLOR": "1"}, False)):
-        environment = {k: v for k, v in os.environ.items() if k != "NO_COLOR"}
-        on_terminal = subprocess.run(  # script(1) gives the report a terminal
-            ["script", "-qec", shlex.quote(report) + " advice.xml perf_results.xml", "/dev/null"],
-            cwd=work, capture_output=True, text=True, env={**environment, **env}).stdout
-        check(("\x1b[32m" in on_terminal) == coloured, "colour on a terminal with %s" % env)
+    environment = {k: v for k, v in os.environ.items() if k not in ("NO_COLOR", "TERM")}
+    table = [  # --color, environment, on a terminal, coloured
+        ([], {"TERM": "xterm"}, True, True),
+        ([], {"TERM": "xterm", "NO_COLOR": "1"}, True, False),
+        ([], {"TERM": "dumb"}, True, False),
+        (["--color=never"], {"TERM": "xterm"}, True, False),
+        (["--color=always"], {"TERM": "dumb", "NO_COLOR": "1"}, False, True),
+        (["--color=auto"], {"TERM": "xterm"}, False, False),
+    ]
+    for option, env, terminal, coloured in table:
+        command = [report, *option, "advice.xml", "perf_results.xml"]
+        if terminal:  # script(1) gives the report a terminal
+            command = ["script", "-qec", " ".join(map(shlex.quote, command)), "/dev/null"]
+        shown = subprocess.run(command, cwd=work, capture_output=True, text=True,
+                               env={**environment, **env}).stdout
+        check(("\x1b[32m" in shown) == coloured,
+              "colour %s with %s, terminal %s" % (option, env, terminal))
 
 
 def check_page(work, bars):
@@ -92,7 +103,7 @@ def check_bad_documents(work):
     ]
     for args, message in cases:
         done = run(*args, cwd=work)
-        check(done.returncode == 1 and message in done.stderr and not done.stdout,
+        check(done.returncode == 2 and message in done.stderr and not done.stdout,
               "%s: status %d, %r" % (args, done.returncode, done.stderr))
 
 
