@@ -32,7 +32,7 @@ if [ "$1" = --all ]; then
     for target in $targets; do
         log=$build_dir/fuzz-$target.log
         echo "fuzz: $target for $seconds s (log $log)"
-        FUZZ_BUILT=1 "$0" "$target" "$seconds" >"$log" 2>&1 || failed+=("$target")
+        FUZZ_BUILT=1 bash "$0" "$target" "$seconds" >"$log" 2>&1 || failed+=("$target")
         grep -E '^Done [0-9]+ runs|^(==[0-9]+==)?ERROR|^SUMMARY' "$log" | sed "s/^/  /" || true
     done
     if [ ${#failed[@]} -gt 0 ]; then
