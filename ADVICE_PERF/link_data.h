@@ -2,20 +2,12 @@
 // The linker's XML link information: when the link happened, how many errors
 // it had, and how many bytes of initialized, non-debug program it produced.
 
-#include "ADVICE_PERF/ptree_info.h"
+#include "ADVICE_PERF/link_file.h"
 
 #include <cstdint>
 #include <map>
-#include <set>
 #include <string>
 #include <vector>
-
-// One logical group of the link (an output section).
-struct SECT_INFO {
-  int32_t size = 0;
-  std::string name;
-  std::set<std::string> components;  // ids of the object components it holds
-};
 
 // Whether a logical group counts toward the code size, and if not, why.
 enum class group_count { counted, no_components, uninitialized, debug };
@@ -28,12 +20,15 @@ struct GROUP_SIZE {
   group_count count = group_count::counted;
 };
 
-class LINK_DATA : public PTREE_INFO {
+class LINK_DATA {
  public:
   // Reads the file in full; a missing or unparsable file gives link time 0,
-  // error count -1 and code size 0.
+  // error count -1 and code size 0. A file lacking a required element throws
+  // (see read_link_contents).
   explicit LINK_DATA(const char* file_name);
-  ~LINK_DATA() override;
+  ~LINK_DATA();
+  LINK_DATA(const LINK_DATA&) = delete;
+  LINK_DATA& operator=(const LINK_DATA&) = delete;
 
   // The link data of no link, for a document that is only read.
   static const LINK_DATA& none();
@@ -46,22 +41,17 @@ class LINK_DATA : public PTREE_INFO {
   int32_t get_link_errors() const { return link_errors; }
   // Every logical group in id order, classified by the rules of the code size.
   std::vector<GROUP_SIZE> logical_groups() const;
-
- protected:
-  const KEPT_ELEMENT* kept_elements() const override;
-  bool written_back() const override { return false; }
-  void read_body() override;
-  void write_body() override;
-  int32_t read_version() override;
-  std::string read_timestamp() override;
+  // The file's version: -1 for an empty file, 1 when it gives none.
+  int32_t get_file_version() const { return file_version; }
+  // The same as get_link_time.
+  uint64_t get_timestamp() const { return timestamp; }
 
  private:
-  void init();
-  void read_object_components(const ptree& list);
-  void read_logical_groups(const ptree& list);
   void set_code_size();
   group_count classify(const SECT_INFO& sect) const;
 
+  int32_t file_version = -1;
+  uint64_t timestamp = 0;
   uint32_t code_size = 0;
   int32_t link_errors = -1;
   std::map<std::string, bool> object_components;  // id -> uninitialized

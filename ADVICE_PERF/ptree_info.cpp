@@ -33,8 +33,8 @@ void set_timestamp_clock(timestamp_clock clock) {
   run_time.reset();
 }
 
-ptree XML_PTREE::read(const KEPT_ELEMENT* kept) {
-  ptree tree = read_xml_file(file_name, kept);
+ptree XML_PTREE::read() {
+  ptree tree = read_xml_file(file_name);
   // Absent, empty or read whole, the old file has nothing the new one lacks;
   // any other file that gave no tree (not well-formed, a read error, no
   // permission) is kept when it is replaced.
@@ -60,11 +60,12 @@ PTREE_INFO::~PTREE_INFO() {
 }
 
 void PTREE_INFO::input() {
+  // A device, FIFO or socket named as a document holds no document and is
+  // not read: reading it could wait forever.
   struct stat status {};
-  const bool stream = stat(file_name, &status) == 0 && !S_ISREG(status.st_mode) &&
-                      !S_ISDIR(status.st_mode);
-  if (stream && written_back()) return;
-  xml->read(kept_elements()).swap(pt);
+  if (stat(file_name, &status) == 0 && !S_ISREG(status.st_mode) && !S_ISDIR(status.st_mode))
+    return;
+  xml->read().swap(pt);
   if (pt.empty()) return;
   file_version = read_version();
   timestamp = convert<uint64_t>(read_timestamp());

@@ -45,10 +45,10 @@ class XML_PTREE {
   explicit XML_PTREE(const char* file_name) : file_name(file_name) {}
   virtual ~XML_PTREE() = default;
 
-  // The file's tree (with kept set, only the elements it names; see
-  // read_xml_file); an empty tree when the file can't be opened or parsed.
-  // A regular file that holds bytes but gives no tree is marked for keeping.
-  ptree read(const KEPT_ELEMENT* kept = nullptr);
+  // The file's tree (see read_xml_file); an empty tree when the file can't
+  // be opened or parsed. A regular file that holds bytes but gives no tree is
+  // marked for keeping.
+  ptree read();
   // Replaces the file with the tree, as strict XML 1.0 (see strict_xml_text),
   // through replace_file, which keeps the old file when the last read could
   // not use it; failures throw xml_parser_error.
@@ -78,12 +78,6 @@ class PTREE_INFO {
   uint64_t get_timestamp() const { return timestamp; }
 
  protected:
-  // The elements input keeps of the file (not owned; lives for the whole
-  // run); nullptr keeps the whole document.
-  virtual const KEPT_ELEMENT* kept_elements() const { return nullptr; }
-  // Whether output rewrites the file. Such a file that is a device, FIFO or
-  // socket holds no document and is not read: reading it could wait forever.
-  virtual bool written_back() const { return true; }
   virtual void read_body() = 0;
   virtual void write_body() = 0;
   // The version in pt, or -1 when it is missing or isn't an integer.

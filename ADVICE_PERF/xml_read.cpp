@@ -5,13 +5,8 @@
 #include <boost/property_tree/detail/rapidxml.hpp>
 #include <boost/property_tree/xml_parser.hpp>
 
-
-#include <algorithm>
 #include <cstring>
-#include <deque>
 #include <memory>
-#include <string>
-#include <vector>
 
 using ptree = boost::property_tree::ptree;
 namespace rapidxml = boost::property_tree::detail::rapidxml;
@@ -145,131 +140,21 @@ class DEPTH_SCAN {
   const unsigned char* p;
 };
 
-// The kept part of a document in document order, with its own copy of each
-// name and text, so that the parser's memory can go before the tree is built.
-class KEPT_PART {
- public:
-  explicit KEPT_PART(const KEPT_ELEMENT& root) : root(root) {}
-
-  // A top-level node: root with its kept elements, any other element and
-  // every comment without contents.
-  void add_top_level(const rapidxml::xml_node<char>& node) {
-    if (node.type() == rapidxml::node_element) {
-      if (std::string_view(node.name(), node.name_size()) == root.name)
-        add_kept(node, root);
-      else
-        add_item(node.name(), node.name_size(), false);
-    } else if (node.type() == rapidxml::node_comment) {
-      const std::string comment = xml_parser::xmlcomment<std::string>();
-      add_item(comment.data(), comment.size(), false);
-    }
-  }
-
-  // Adds the kept part to tree as read_xml would build it. Trees go into a
-  // tree only by copy, so each element is copied from an empty one of its
-  // name kept at hand rather than from a fresh temporary, which would cost
-  // two more allocations and frees.
-  void build(ptree& tree) {
-    for (std::size_t next = 0; next < items.size();)
-      build_element(next, tree);
-  }
-
- private:
-  // An element, followed by its attributes and then the elements below it up
-  // to end; or an attribute.
-  struct ITEM {
-    std::size_t name, text;  // offsets into strings
-    uint32_t name_size, text_size = 0;
-    uint32_t end = 0;
-    bool attribute;
-  };
-  static constexpr std::size_t most_names = 16;
-
-  ITEM& add_item(const char* name, std::size_t name_size, bool attribute) {
-    items.push_back({strings.size(), 0, static_cast<uint32_t>(name_size), 0, 0, attribute});
-    strings.append(name, name_size);
-    items.back().text = strings.size();
-    items.back().end = static_cast<uint32_t>(items.size());
-    return items.back();
-  }
-
-  // Adds an element, leaving out the elements below it that kept doesn't
-  // name, and with them their contents.
-  void add_kept(const rapidxml::xml_node<char>& node, const KEPT_ELEMENT& kept) {
-    const std::size_t element = items.size();
-    add_item(node.name(), node.name_size(), false);
-    for (const auto* child = node.first_node(); child; child = child->next_sibling())
-      if (child->type() == rapidxml::node_data || child->type() == rapidxml::node_cdata)
-        strings.append(child->value(), child->value_size());
-    items[element].text_size = static_cast<uint32_t>(strings.size() - items[element].text);
-    for (const auto* attribute = node.first_attribute(); attribute;
-         attribute = attribute->next_attribute()) {
-      add_item(attribute->name(), attribute->name_size(), true);
-      strings.append(attribute->value(), attribute->value_size());
-      items.back().text_size = static_cast<uint32_t>(attribute->value_size());
-    }
-    for (const auto* child = node.first_node(); child; child = child->next_sibling()) {
-      if (child->type() != rapidxml::node_element) continue;
-      const std::string_view name(child->name(), child->name_size());
-      for (const auto& kept_child : kept.children)
-        if (kept_child.name == name) add_kept(*child, kept_child);
-    }
-    items[element].end = static_cast<uint32_t>(items.size());
-  }
-
-  std::string_view name_of(const ITEM& item) const {
-    return std::string_view(strings).substr(item.name, item.name_size);
-  }
-  std::string_view text_of(const ITEM& item) const {
-    return std::string_view(strings).substr(item.text, item.text_size);
-  }
-
-  void build_element(std::size_t& next, ptree& parent) {
-    const ITEM& element = items[next++];
-    ptree& tree = add(parent, name_of(element));
-    tree.data() = text_of(element);
-    if (next < element.end && items[next].attribute) {
-      ptree& attributes = add(tree, xml_parser::xmlattr<std::string>());
-      for (; next < element.end && items[next].attribute; ++next)
-        add(attributes, name_of(items[next])).data() = text_of(items[next]);
-    }
-    while (next < element.end)
-      build_element(next, tree);
-  }
-
-  ptree& add(ptree& parent, std::string_view name) {
-    for (const auto& empty : empties)
-      if (empty.first == name) return parent.push_back(empty)->second;
-    if (empties.size() == most_names) return parent.push_back({std::string(name), ptree()})->second;
-    return parent.push_back(empties.emplace_back(std::string(name), ptree()))->second;
-  }
-
-  const KEPT_ELEMENT& root;
-  std::vector<ITEM> items;
-  std::string strings;
-  std::deque<ptree::value_type> empties;  // a deque keeps references valid
-};
-
 }  // namespace
 
-ptree read_xml_file(const char* file_name, const KEPT_ELEMENT* root) {
+bool nested_too_deep(const char* text) {
+  return DEPTH_SCAN(text).too_deep();
+}
+
+ptree read_xml_file(const char* file_name) {
   ptree tree;
   try {
     FILE_TEXT file;
-    if (!load_file_text(file_name, file) || DEPTH_SCAN(file.text.get()).too_deep()) return tree;
+    if (!load_file_text(file_name, file) || nested_too_deep(file.text.get())) return tree;
     auto document = std::make_unique<rapidxml::xml_document<char>>();
     document->parse<parse_flags>(file.text.get());
-    if (!root) {
-      for (auto* node = document->first_node(); node; node = node->next_sibling())
-        xml_parser::read_xml_node(node, tree, xml_parser::trim_whitespace);
-      return tree;
-    }
-    KEPT_PART kept(*root);
-    for (const auto* node = document->first_node(); node; node = node->next_sibling())
-      kept.add_top_level(*node);
-    document.reset();
-    file.text.reset();
-    kept.build(tree);
+    for (auto* node = document->first_node(); node; node = node->next_sibling())
+      xml_parser::read_xml_node(node, tree, xml_parser::trim_whitespace);
   } catch (...) {
     // A file that isn't well-formed, or too large for memory, counts as empty.
     tree.clear();

@@ -35,6 +35,8 @@ python3 -c 'import jsonschema' 2>/dev/null           || missing+=(python3-jsonsc
 # clang and its libFuzzer runtime, for scripts/fuzz.sh
 have_cmd clang++ || missing+=(clang)
 dpkg -s libclang-rt-14-dev >/dev/null 2>&1 || missing+=(libclang-rt-14-dev)
+# pugixml, the anchor bench/link_file_bench.py times the tool against
+have_file /usr/include/pugixml.hpp || missing+=(libpugixml-dev)
 fi
 
 if [ ${#missing[@]} -gt 0 ]; then

@@ -1,7 +1,7 @@
 #include "programs/views/report_documents.h"
 
 #include "ADVICE_PERF/document_lock.h"
-#include "ADVICE_PERF/xml_read.h"
+#include "ADVICE_PERF/xml_select.h"
 
 #include <cerrno>
 #include <chrono>
@@ -27,13 +27,12 @@ constexpr KEPT_ELEMENT kind_marks[] = {
 // when they show neither or both.
 std::string shown_kind(const char* file_name) {
   const KEPT_ELEMENT root{"body", kind_marks};
-  const ptree tree = read_xml_file(file_name, &root);
+  const KEPT_TREE tree = read_kept_elements(file_name, root);
   bool advice = false, results = false;
-  for (const auto& [name, body] : tree)
-    for (const auto& [mark, element] : body) {
-      advice |= mark == "link_advice_flag" || mark == "advice";
-      results |= mark == "chart" || mark == "menu";
-    }
+  tree.for_each_root([&](const KEPT_NODE& body) {
+    advice |= tree.child(body, "link_advice_flag") || tree.child(body, "advice");
+    results |= tree.child(body, "chart") || tree.child(body, "menu");
+  });
   if (advice == results) return "";
   return advice ? "advice" : "results";
 }

@@ -1,11 +1,15 @@
 // Reading an advice document, writing it and reading it again gives the same
-// entries, but for the characters XML can't carry, which the writer replaces;
-// and the written text is well-formed XML.
+// entries, but for the characters XML can't carry, which the writer replaces,
+// and the white space the format doesn't carry; and the written text is
+// well-formed XML.
+#include <boost/property_tree/ptree.hpp>
+#include <boost/property_tree/xml_parser.hpp>
 #include <libxml/parser.h>
 
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
+#include <sstream>
 #include <string>
 
 #include "ADVICE_PERF/advice.h"
@@ -27,14 +31,28 @@ bool well_formed(const std::string& text) {
   return doc != nullptr;
 }
 
-// The entries as the writer puts them down: each text through strict_xml_text;
-// of keys that become equal, the first stays, as the reader keeps it.
+// An element's text as the document format carries it: written as text, it
+// is read back with its white space trimmed and condensed, so text that came
+// from a CDATA section or character references need not come back as it was.
+std::string as_carried(const std::string& text) {
+  namespace xml_parser = boost::property_tree::xml_parser;
+  boost::property_tree::ptree written, read;
+  written.put("e", text).put("<xmlattr>.a", "");
+  std::stringstream xml;
+  xml_parser::write_xml(xml, written, xml_parser::xml_writer_settings<std::string>('\t', 1));
+  xml_parser::read_xml(xml, read, xml_parser::trim_whitespace);
+  return read.get<std::string>("e");
+}
+
+// The entries as the writer puts them down: each text through strict_xml_text,
+// the message as the format carries it; of keys that become equal, the first
+// stays, as the reader keeps it.
 ADVICE::entry_map as_written(const ADVICE::entry_map& entries) {
   ADVICE::entry_map written;
   for (const auto& [key, entry] : entries) {
     written.emplace(strict_xml_text(key),
                     ADVICE_INFO{strict_xml_text(entry.advice_type), strict_xml_text(entry.option),
-                                strict_xml_text(entry.value), strict_xml_text(entry.msg),
+                                strict_xml_text(entry.value), as_carried(strict_xml_text(entry.msg)),
                                 strict_xml_text(entry.action)});
   }
   return written;

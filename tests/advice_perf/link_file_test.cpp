@@ -1,0 +1,114 @@
+// What the link file reader takes from a file where the parser's lexical rules
+// decide it: references, white space, split text, left-out parts that are not
+// well-formed or nested deep, several top-level nodes, and required parts.
+#include "ADVICE_PERF/link_file.h"
+#include "ADVICE_PERF/xml_read.h"
+#include "tests/util/temp_dir.h"
+
+#include <gtest/gtest.h>
+
+#include <exception>
+#include <string>
+
+namespace {
+
+// The contents in short: time, errors and version, then each component as
+// id=uninitialized, each group as id=size:name:components; or what was thrown.
+std::string summary(const char* path) {
+  try {
+    const LINK_FILE link = read_link_contents(path);
+    std::string text = std::to_string(link.link_time) + " " + std::to_string(link.link_errors) +
+                       " v" + std::to_string(link.version);
+    for (const auto& [id, uninitialized] : link.object_components)
+      text += " " + id + "=" + (uninitialized ? "u" : "i");
+    for (const auto& [id, sect] : link.sections) {
+      text += " " + id + "=" + std::to_string(sect.size) + ":" + sect.name + ":";
+      for (const auto& component : sect.components)
+        text += component + ",";
+    }
+    return text;
+  } catch (const std::exception& e) {
+    return e.what();
+  }
+}
+
+// A link file with the given time, component list and group list elements.
+std::string link_file(const std::string& time, const std::string& components,
+                      const std::string& groups) {
+  return "<link_info><link_time>" + time + "</link_time>" + components + groups + "</link_info>";
+}
+
+const std::string no_groups = "<logical_group_list/>";
+const std::string one_component = "<object_component_list><object_component id='a'/>"
+                                  "</object_component_list>";
+
+// A link file whose left-out element x holds levels - 1 nested elements
+// around innermost.
+std::string nested(int levels, const std::string& innermost) {
+  std::string open, close;
+  for (int level = 1; level < levels; ++level)
+    open += "<a>", close += "</a>";
+  return link_file("1", one_component, no_groups) + "<x>" + open + innermost + close + "</x>";
+}
+
+TEST(LinkFile, ReadsWhatTheParserWouldGiveTheTree) {
+  const struct {
+    const char* what;
+    std::string xml;
+    std::string expected;
+  } cases[] = {
+      {"references expand in kept text and attributes",
+       link_file("&#x31;&#50;", "<object_component_list><object_component id='a&amp;&#x42;&lt;"
+                                "&amp &x;'/></object_component_list>",
+                 no_groups),
+       "18 -1 v1 a&B<&amp &x;=i"},
+      {"a hexadecimal digit counts in a decimal reference, and the code wraps",
+       link_file("&#4a;&#x10000000000000031;", "<object_component_list/>", no_groups),
+       "33 -1 v1"},
+      {"text pieces join, each trimmed and condensed but for sections and attributes",
+       link_file(" 0x1 <!-- c --> 2 <b>9</b><![CDATA[3]]>4\n", one_component,
+                 "<logical_group_list><logical_group id=' g\t1 '><size>2</size>"
+                 "<name>\n .text \t x <![CDATA[ y ]]></name><contents/></logical_group>"
+                 "</logical_group_list>"),
+       "4660 -1 v1 a=i  g\t1 =2:.text x y :"},
+      {"the first of repeated elements and attributes counts; a bool may be a word",
+       link_file("1</link_time><link_time>2",
+                 "<object_component_list><object_component id='a' id='b'><uninitialized>true"
+                 "</uninitialized><uninitialized>0</uninitialized></object_component>"
+                 "<object_component id='c'><uninitialized>yes</uninitialized>"
+                 "</object_component></object_component_list>",
+                 no_groups),
+       "1 -1 v1 a=u c=i"},
+      {"kept names count only under their kept parent, closing names are not checked",
+       "<x/><link_info><banner><link_time>5</link_time></banner><version>7</version><link_time>"
+       "1</x><object_component_list><object_component id='a'/><x><object_component id='b'/>"
+       "</x></object_component_list><logical_group_list/></link_info><link_info/>",
+       "1 -1 v7 a=i"},
+      {"a bad reference in a left-out attribute empties the file",
+       link_file("1", one_component, no_groups) + "<x y='&#x110000;'/>", "0 -1 v-1"},
+      {"an unterminated comment empties the file", link_file("1", one_component, "<!-- "),
+       "0 -1 v-1"},
+      {"a comment alone is a document without link_info", "<!-- c -->",
+       "No such node (link_info.link_time)"},
+      {"a group without size", link_file("1", one_component,
+                                         "<logical_group_list><logical_group id='g'><name/>"
+                                         "</logical_group></logical_group_list>"),
+       "No such node (size)"},
+      {"a reference without idref",
+       link_file("1", one_component,
+                 "<logical_group_list><logical_group id='g'><size/><name/><contents>"
+                 "<object_component_ref/></contents></logical_group></logical_group_list>"),
+       "No such node (<xmlattr>.idref)"},
+      {"nesting up to the bound in a left-out part", nested(max_xml_depth, "<b/>"),
+       "1 -1 v1 a=i"},
+      {"one level more", nested(max_xml_depth, "<b></b>"), "0 -1 v-1"},
+  };
+  TempDir dir;
+  const std::string path = dir.file("link.xml");
+  for (const auto& c : cases) {
+    write_file(path, c.xml);
+    EXPECT_EQ(summary(path.c_str()), c.expected) << c.what;
+  }
+}
+
+}  // namespace
