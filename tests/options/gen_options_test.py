@@ -26,6 +26,7 @@ def record(name, *lines):
 
 
 ONEOF = ("kind oneof", "parse oneof", "arg x", "items +on +off")
+STR = ("kind string", "parse text", "arg x")
 
 # Each case: the source (behind HEADER; a "table" line in it reopens the
 # header), and every message the generator must print (none: it generates).
@@ -65,6 +66,82 @@ CASES = [
      + record("A", "flags hidden", "passto") + record("B", "flags hidden"),
      ["bad.opt:10: the table should have at least 3 hidden but has 2",
       "bad.opt:11: the table should have at least 2 passto but has 1"]),
+    ("table a b\nhelp_class lower \"x\"\noption lower\nfrobnicate\n  spelling --x\n"
+     "table option_obj_x\n  class_columns x\n  short_group cluster a\n  short_group end A ab\n"
+     "  bad_key 1\n" + record("A", "spelling x", "spelling --a2 weird", "parse optional nothing",
+                                "range 5 1", "flags odd", "items x", "action fly",
+                                "also_sets B=on sometimes", "rule with", "conflicts 4 B",
+                                "kind flag", "kind flag", 'arg "x'),
+     ["bad.opt:8: 'table' takes the family's class name",
+      "bad.opt:9: 'help_class' takes an upper-case name and a title",
+      "bad.opt:10: 'option' takes one upper-case internal name",
+      "bad.opt:11: unknown section 'frobnicate'",
+      "bad.opt:12: indented line outside a table header or option record",
+      "bad.opt:14: class_columns must be a number, not 'x'",
+      "bad.opt:16: character 'A' is in two short groups",
+      "bad.opt:16: short_group takes single characters, not 'ab'",
+      "bad.opt:17: bad table line 'bad_key 1'", "bad.opt:22: a spelling begins with '-'",
+      "bad.opt:23: unknown spelling flag 'weird'",
+      "bad.opt:24: unknown parse type 'optional nothing'", "bad.opt:25: range 5..1 is empty",
+      "bad.opt:26: unknown flag 'odd'",
+      "bad.opt:27: an item is a mark (+, * or -) and a word, not 'x'",
+      "bad.opt:28: unknown action 'fly'",
+      "bad.opt:29: also_sets takes TARGET[=word] [when WORD | by_number WORDS... | increment]",
+      "bad.opt:30: rule takes [when WORD] with|without OPTION[=WORD,...] error|warning TEXT",
+      "bad.opt:31: conflict values are 1, 2 or 3", "bad.opt:32: bad option line 'kind flag'",
+      "bad.opt:33: 'kind' given twice", "bad.opt:34: No closing quotation"]),
+    ('help_class MAIN "again"\noption NOSP\n  help_class MAIN\n  help "x"\n'
+     "option NOHELP\n  spelling --nohelp\n"
+     + record("A", "spelling -b quiet_case", "spelling --", "spelling -c scan_only", "spelling -d",
+              "classes 0 2", "arg x", "items +a", "default_word a", "default a")
+     + record("B", "spelling -e shown_first", "spelling -f shown_first", "kind string",
+              "parse unsigned").replace("--b\n", "--b shown_first\n")
+     + record("C", *STR, "range 1 2", "action verbose_template").replace("MAIN", "NONE")
+     + record("D", "kind oneof", "parse oneof", "arg x", "default_word on", "conflicts 1 D Z",
+              "conflict_group g 1", "conflict_group h 1", "merge_conflicts D Z")
+     + record("E", *STR, "items +a -A +a-b +a_b", "also_sets Z", "also_sets D=zz",
+              "also_sets A when q", "also_sets A by_number a", "also_sets A increment",
+              "conflict_group g 2", "merge custom")
+     + record("F", "merge max") + record("G", "kind number", "arg x"),
+     ["bad.opt:8: help class MAIN declared twice", "bad.opt:9: option NOSP has no spelling",
+      "bad.opt:12: NOHELP has no help_class", "bad.opt:12: NOHELP has no help text",
+      "bad.opt:14: A has 3 further spellings; the table has 1 slots",
+      "bad.opt:18: quiet_case needs a table that folds case",
+      "bad.opt:19: spelling '--' has no name",
+      "bad.opt:21: a listed spelling must come before scan_only ones",
+      "bad.opt:22: class column 0 outside 1..1", "bad.opt:22: class column 2 outside 1..1",
+      "bad.opt:23: A takes no argument, so no 'arg'",
+      "bad.opt:24: A takes no argument, so no 'items'",
+      "bad.opt:25: A takes no argument, so no 'default_word'",
+      "bad.opt:26: A takes no argument, so no 'default'",
+      "bad.opt:24: only one-of options have items",
+      "bad.opt:25: default_word needs an optional argument",
+      "bad.opt:26: constructor defaults are one-of words",
+      "bad.opt:27: B has 2 further spellings; the table has 1 slots",
+      "bad.opt:27: B takes an argument but has no 'arg' name",
+      "bad.opt:28: the first spelling is the long form",
+      "bad.opt:31: only one spelling can be shown first",
+      "bad.opt:34: parse type does not fit kind", "bad.opt:37: unknown help class NONE",
+      "bad.opt:42: only numeric options have a range",
+      "bad.opt:43: action verbose_template works on options without argument",
+      "bad.opt:44: one-of option D has no items", "bad.opt:51: default_word 'on' is no item of D",
+      "bad.opt:51: default_word needs an optional argument",
+      "bad.opt:52: D cannot conflict with itself", "bad.opt:52: conflicts names unknown option Z",
+      "bad.opt:54: conflict group h has a single member",
+      "bad.opt:55: D cannot conflict with itself",
+      "bad.opt:55: merge_conflicts names unknown option Z",
+      "bad.opt:63: only one-of options have items", "bad.opt:63: an item word appears twice",
+      "bad.opt:63: two item words give the same constant",
+      "bad.opt:64: also_sets names unknown option Z", "bad.opt:65: 'zz' is no item of D",
+      "bad.opt:66: 'q' is no item of E",
+      "bad.opt:67: A takes no argument, so also_sets gives it no word",
+      "bad.opt:67: by_number needs a numeric option",
+      "bad.opt:68: increment needs a numeric target",
+      "bad.opt:69: conflict group g has mixed values",
+      "bad.opt:70: merge custom needs a one-of option",
+      "bad.opt:70: merge custom needs merge_pair lines",
+      "bad.opt:75: merge max needs an option with argument",
+      "bad.opt:76: G has a kind with argument but no 'parse'"]),
 ]
 
 
