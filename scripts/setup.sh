@@ -22,6 +22,9 @@ have_file /usr/include/libxml2/libxml/parser.h       || missing+=(libxml2-dev)
 # clang and its libFuzzer runtime, for scripts/fuzz.sh
 have_cmd clang++ || missing+=(clang)
 dpkg -s libclang-rt-14-dev >/dev/null 2>&1 || missing+=(libclang-rt-14-dev)
+# scripts/mutate.py rebuilds with ninja and puts lines back through ccache
+have_cmd ninja  || missing+=(ninja-build)
+have_cmd ccache || missing+=(ccache)
 
 if [ ${#missing[@]} -eq 0 ]; then
     exit 0
