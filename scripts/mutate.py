@@ -19,8 +19,9 @@ A mutant is
   not compiled  when the compiler (or Python) refuses it;
   equivalent    when it compiles to the same object code as the original, or
                 is listed in scripts/mutate_equivalent.txt, one per line as
-                PATH:LINE:MUTANT: REASON (MUTANT is the mutated line without
-                its indentation; the match is on PATH and MUTANT);
+                PATH:LINE:ORIGINAL \u2192 MUTANT: REASON, the lines without their
+                indentation, as the report prints a survivor (the match is on
+                PATH, ORIGINAL and MUTANT);
   survived      otherwise.
 The score of a folder is killed / (compiled - equivalent).  The report gives
 it per folder and lists every survivor as FILE:LINE: ORIGINAL -> MUTANT.
@@ -272,14 +273,14 @@ class Build:
         status, out = run(["ctest", "--test-dir", self.dir, "--show-only=json-v1"])
         return [t["name"] for t in json.loads(out)["tests"]]
 
-    def test(self, numbers=None, env=None):
-        """(killed, how): runs the tests of these NUMBERS (all if None) to the first failure."""
+    def test(self, names=None, env=None, timeout=None):
+        """(killed, how): runs the tests of these NAMES (all if None) to the first failure."""
         cmd = ["ctest", "--test-dir", self.dir, "-j", str(self.jobs), "--timeout",
-               str(self.timeout), "--stop-on-failure"]
-        if numbers is not None:
-            if not numbers:
+               str(min(timeout or self.timeout, self.timeout)), "--stop-on-failure"]
+        if names is not None:
+            if not names:
                 return False, ""
-            cmd += ["-I", "0,0,0," + ",".join(map(str, numbers))]
+            cmd += ["-R", "^(%s)$" % "|".join(n.replace(".", "\\.") for n in sorted(names))]
         status, out = run(cmd, env=env or self.env)
         if status == 0:
             return False, ""
@@ -290,14 +291,14 @@ class Build:
         return True, ", ".join(name for name, _ in failed[:2]) or "ctest status %s" % status
 
     def durations(self):
-        """{test number: seconds} of a whole run of the suite, which must pass."""
+        """{test name: seconds} of a whole run of the suite, which must pass."""
         cmd = ["ctest", "--test-dir", self.dir, "-j", str(self.jobs), "--timeout",
                str(self.timeout)]
         status, out = run(cmd, env=self.env)
         if status != 0:
             die("the suite fails without mutants:\n" + out[-3000:])
-        return {int(n): float(t) for n, t in
-                re.findall(r"Test +#(\d+): \S+ \.*\s+Passed\s+([\d.]+) sec", out)}
+        return {n: float(t) for n, t in
+                re.findall(r"Test +#\d+: (\S+) \.*\s+Passed\s+([\d.]+) sec", out)}
 
     def objects(self):
         hashes = {}
@@ -436,9 +437,8 @@ def coverage(args):
         for name in files:
             if name.endswith(".gcda"):
                 os.remove(os.path.join(top, name))
-    names = cov.test_names()
-    for number, name in enumerate(names, 1):
-        killed, how = cov.test([number], env=env)
+    for name in cov.test_names():
+        killed, how = cov.test([name], env=env)
         if killed:
             # e.g. a file-size limit that also stops the coverage counts being written
             say("mutate: %s fails in the coverage build; what it ran may be missing" % name)
@@ -488,6 +488,10 @@ def sample(lines, seed, count):
     return result
 
 
+def shown(original, mutated):
+    return "%s \u2192 %s" % (original.strip(), mutated.strip())
+
+
 def read_equivalents():
     known = set()
     if os.path.exists(EQUIVALENTS):
@@ -513,21 +517,21 @@ class Suite:
     def __init__(self, build, table, durations):
         self.build = build
         self.table = table
-        self.numbers = {name: n for n, name in enumerate(build.test_names(), 1)}
         self.durations = durations
 
     def run(self, path=None, line=None):
         """A C++ line that no test runs (a changed one) gets the whole suite, since
         it may still count at compile time; a generator line gets the tests that run
         it, the build being judged apart."""
-        names = set(self.numbers)
+        names = set(self.durations)
         if path is not None:
             covering = self.table.get(path, {}).get(line, set()) & names
             names = covering if covering or path.endswith(".py") else names
-        chosen = sorted(self.numbers[n] for n in names)
-        quick = [n for n in chosen if self.durations.get(n, 0) < self.QUICK]
-        for part in (quick, [n for n in chosen if n not in quick]):
-            killed, how = self.build.test(part)
+        quick = {n for n in names if self.durations[n] < self.QUICK}
+        slow = names - quick
+        # A quick test that takes ten times as long as it may hangs.
+        for part, timeout in ((quick, 10 * self.QUICK), (slow, None)):
+            killed, how = self.build.test(part, timeout=timeout)
             if killed:
                 return "killed", how
         return "survived", ""
@@ -594,7 +598,7 @@ def summarize(results):
     if survivors:
         say("\nsurvivors:")
     for path, number, op, original, mutated in survivors:
-        say("%s:%d: %s \u2192 %s" % (path, number, original.strip(), mutated.strip()))
+        say("%s:%d: %s" % (path, number, shown(original, mutated)))
 
 
 def main():
@@ -634,7 +638,7 @@ def main():
     try:
         for index, mutant in enumerate(mutants, 1):
             path, number, op, original, mutated = mutant
-            if (path, mutated.strip()) in equivalents:
+            if (path, shown(original, mutated)) in equivalents:
                 verdict = ("equivalent", "listed")
             else:
                 verdict = judge(build, suite, tree, mutant, reference, generators)

@@ -148,5 +148,21 @@ class BadSources(unittest.TestCase):
                                  sorted("bad.opt:" + m for m in messages))
 
 
+class ManPage(unittest.TestCase):
+    def test_listed_options_are_written_in_roff(self):
+        source = HEADER + record("A", 'long_help ".a\\\\b"') + record("B", *ONEOF) + record(
+            "C", "flags hidden")
+        with tempfile.TemporaryDirectory() as tmp:
+            paths = [os.path.join(tmp, name) for name in ("a.opt", "in", "page")]
+            for path, text in zip(paths, (source, "@VERSION@\n@OPTIONS@\n")):
+                with open(path, "w") as out:
+                    out.write(text)
+            tool = os.path.join(os.path.dirname(GENERATOR), "gen_manpage.py")
+            subprocess.run([sys.executable, tool, paths[0], paths[1], "9.9", paths[2]], check=True)
+            with open(paths[2]) as page:
+                self.assertEqual(page.read(), "9.9\n.SS Main\n.TP\n\\fB\\-\\-a\\fR\n\\&.a\\eb\n"
+                                 ".TP\n\\fB\\-\\-b\\fR=\\fIx\\fR\nx\n.br\nValues: on, off.\n")
+
+
 if __name__ == "__main__":
     unittest.main()
