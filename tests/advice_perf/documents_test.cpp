@@ -276,6 +276,8 @@ TEST_F(Documents, TheSeriesResultGoesOnceTheBuildUsesItsValue) {
   EXPECT_FALSE(kept.get_link_advice_flag());
   run({}, {"-O4", "--opt_for_speed=4"});
   EXPECT_EQ(ADVICE(advice_path.c_str()).get_entries().count("27011"), 0u);
+  run({}, {"--opt_for_speed=0"});  // the lowest goal is written as a setting too
+  EXPECT_NE(read_file(advice_path).find("--opt_for_speed=0"), std::string::npos);
 }
 
 }  // namespace

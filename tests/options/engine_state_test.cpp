@@ -28,9 +28,9 @@ TEST_F(State, StoredValues) {
   // get_argument describes the stored values (numbers: the merge tests).
   run("n=one");
   run("n=two");
-  an_argument_t arg;
+  an_argument_t arg{argument_signed, {.num = 7}, 2};
   opts.get_argument(T::ALPHA, &arg);
-  EXPECT_EQ(arg.type, argument_missing);
+  EXPECT_TRUE(arg.type == argument_missing && arg.value.num == 0 && arg.count == 0);
   opts.get_argument(T::NAMES, &arg);
   ASSERT_EQ(arg.type, argument_list);
   ASSERT_EQ(arg.count, 2u);

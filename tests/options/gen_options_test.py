@@ -63,9 +63,11 @@ CASES = [
     ("table option_obj_x\n  in_id_order yes\n" + record("B") + record("A"),
      ["14: option A must sort after B, which stands before it"]),
     ("table option_obj_x\n  expect options 1\n  expect hidden 3\n  expect passto 2\n"
+     "  expect override_rows 1\n"
      + record("A", "flags hidden", "passto") + record("B", "flags hidden"),
      ["10: the table should have at least 3 hidden but has 2",
-      "11: the table should have at least 2 passto but has 1"]),
+      "11: the table should have at least 2 passto but has 1",
+      "12: the table should have at least 1 override_rows but has 0"]),
     ("table a b\nhelp_class lower \"x\"\noption lower\nfrobnicate\n  spelling --x\n"
      "table option_obj_x\n  class_columns x\n  short_group cluster a\n  short_group end A ab\n"
      "  bad_key 1\n" + record("A", "spelling x", "spelling --a2 weird", "parse optional nothing",
@@ -150,8 +152,8 @@ class BadSources(unittest.TestCase):
 
 class ManPage(unittest.TestCase):
     def test_listed_options_are_written_in_roff(self):
-        source = HEADER + record("A", 'long_help ".a\\\\b"') + record("B", *ONEOF) + record(
-            "C", "flags hidden")
+        source = HEADER + record("A", 'long_help ".a\\\\b"') + record("B", *ONEOF, "sort_order 1")
+        source += record("C", "flags hidden")
         with tempfile.TemporaryDirectory() as tmp:
             paths = [os.path.join(tmp, name) for name in ("a.opt", "in", "page")]
             for path, text in zip(paths, (source, "@VERSION@\n@OPTIONS@\n")):
@@ -160,8 +162,8 @@ class ManPage(unittest.TestCase):
             tool = os.path.join(os.path.dirname(GENERATOR), "gen_manpage.py")
             subprocess.run([sys.executable, tool, paths[0], paths[1], "9.9", paths[2]], check=True)
             with open(paths[2]) as page:
-                self.assertEqual(page.read(), "9.9\n.SS Main\n.TP\n\\fB\\-\\-a\\fR\n\\&.a\\eb\n"
-                                 ".TP\n\\fB\\-\\-b\\fR=\\fIx\\fR\nx\n.br\nValues: on, off.\n")
+                self.assertEqual(page.read(), "9.9\n.SS Main\n.TP\n\\fB\\-\\-b\\fR=\\fIx\\fR\nx\n.br\n"
+                                 "Values: on, off.\n.TP\n\\fB\\-\\-a\\fR\n\\&.a\\eb\n")
 
 
 if __name__ == "__main__":
