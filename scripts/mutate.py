@@ -7,7 +7,7 @@ usage: scripts/mutate.py [--seed N] [--count N] [--changed BASE] [--timeout S]
 Draws a seeded random sample of lines in ADVICE_PERF/, options/, DIAG/, UTIL/
 and the generators (tools/*.py): lines that the suite runs, measured once in a
 --coverage build (build-mutate-cov/), or with --changed BASE the lines that
-`git diff BASE` adds there.  On each line it applies one mutant, picked at
+the work tree adds there since it parted from BASE.  On each line it applies one mutant, picked at
 random from the operators below, rebuilds build-mutate/ (release flags, no
 sanitizers) incrementally, runs the CTest suite with a per-test timeout until
 the first failure, and puts the line back (also on Ctrl-C or SIGTERM; a run
@@ -451,8 +451,12 @@ def coverage(args):
 
 
 def changed_lines(base):
-    status, out = run(["git", "diff", "-U0", base, "--", "ADVICE_PERF", "options", "DIAG",
-                       "UTIL", "tools"])
+    """The lines the work tree adds since it parted from BASE."""
+    status, fork = run(["git", "merge-base", base, "HEAD"], errors=subprocess.DEVNULL)
+    if status != 0:
+        die("no common history with %s" % base)
+    status, out = run(["git", "diff", "-U0", fork.strip(), "--", "ADVICE_PERF", "options",
+                       "DIAG", "UTIL", "tools"])
     if status != 0:
         die("git diff %s failed:\n%s" % (base, out))
     lines, path = {}, None
