@@ -10,7 +10,6 @@ PERF_RESULTS::PERF_RESULTS(const char* file_name, const LINK_DATA& link_data, AD
 
 PERF_RESULTS::PERF_RESULTS(const char* file_name)
     : PTREE_INFO(file_name), advice(nullptr), link_data(LINK_DATA::none()) {
-  version = 1;
   input();
 }
 

@@ -30,7 +30,6 @@ class arg_text {
   arg_text& operator=(const std::string& text) {
     chars_ = std::make_unique<char[]>(text.size() + 1);
     text.copy(chars_.get(), text.size());
-    chars_[text.size()] = '\0';
     return *this;
   }
   const char* c_str() const { return chars_ ? chars_.get() : ""; }
@@ -195,7 +194,9 @@ class option_engine {
   char* print() const;
   void dump(int all) const;
   void dump_history() const;
-  int display_option_help(const char* topic, int keep_going) const;
+  // Without a topic shows the overview and returns; with one, shows the options
+  // that match it and ends the run.
+  void display_option_help(const char* topic) const;
   void dump_basic_class() const;
   void dump_class(int help_class) const;
   // The left column of an option's help line (its spellings and argument).

@@ -87,7 +87,7 @@ void option_engine::dump_basic_class() const {
   if (print_queue(1, long_key_on_own_line, 0)) std::printf("\n");
 }
 
-int option_engine::display_option_help(const char* topic, int keep_going) const {
+void option_engine::display_option_help(const char* topic) const {
   // The program is named by its file name alone, here and in the usage
   // text that follows the overview.
   const char*& program = *table_->family->executable_name;
@@ -111,7 +111,7 @@ int option_engine::display_option_help(const char* topic, int keep_going) const 
     dump_basic_class();
     for (unsigned cls = 0; cls < table_->h; ++cls)
       dump_class(static_cast<int>(cls));
-    return 0;
+    return;
   }
 
   bool matched = false;
@@ -127,7 +127,6 @@ int option_engine::display_option_help(const char* topic, int keep_going) const 
     std::fflush(stdout);
     fill_text(stdout, text.c_str(), help_indent);
   }
-  if (keep_going) return matched;
   if (!matched) std::printf(">> Help: No options match the string '%s'\n", topic);
   end_process(0);
 }

@@ -214,7 +214,7 @@ void option_engine::run_help(const scan_row& spelling, const char* rest) {
   if (*rest) topic = *rest == '=' ? rest + 1 : rest;
   if (!topic || !*topic) topic = (*table_->family->next_arg)();
   register_option_form(spelling.id, spelling.form);
-  display_option_help(topic, 0);
+  display_option_help(topic);
   void (*print_usage)(const char*) =
       table_->family->print_usage ? *table_->family->print_usage : nullptr;
   if (!print_usage) end_process(0);

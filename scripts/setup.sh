@@ -37,6 +37,9 @@ have_cmd clang++ || missing+=(clang)
 dpkg -s libclang-rt-14-dev >/dev/null 2>&1 || missing+=(libclang-rt-14-dev)
 # pugixml, the anchor bench/link_file_bench.py times the tool against
 have_file /usr/include/pugixml.hpp || missing+=(libpugixml-dev)
+# scripts/mutate.py rebuilds with ninja and puts lines back through ccache
+have_cmd ninja  || missing+=(ninja-build)
+have_cmd ccache || missing+=(ccache)
 fi
 
 if [ ${#missing[@]} -gt 0 ]; then

@@ -221,7 +221,8 @@ TEST_F(Documents, ALevelSeriesDrawsCyanAndRedBarsAndAnIncompleteEventIsRefused) 
 }
 
 // In a speed series the largest bar of a link without errors is the one green
-// bar; of two equal ones the later key; a key built again replaces its bar.
+// bar; of two equal ones the later key; a key built again replaces its bar; a
+// new series starts empty.
 TEST_F(Documents, TheLargestCleanBarIsTheOnlyGreenOne) {
   build("append", "--opt_for_speed", "1", 500);
   build("append", "--opt_for_speed", "2", 800);
@@ -230,6 +231,8 @@ TEST_F(Documents, TheLargestCleanBarIsTheOnlyGreenOne) {
   EXPECT_EQ(bars(), "1:500:yellow 2:800:yellow 3:800:green 4:5000:red ");
   build("append", "--opt_for_speed", "4", 700);
   EXPECT_EQ(bars(), "1:500:yellow 2:800:yellow 3:800:green 4:700:yellow ");
+  run({"--benchmark:event=start", "--benchmark:option=--opt_for_speed"});
+  EXPECT_EQ(bars(), "");
 }
 
 // A link older than the documents' last write belongs to an earlier build: it
@@ -297,6 +300,8 @@ TEST_F(Documents, TheSeriesResultGoesOnceTheBuildUsesItsValue) {
   EXPECT_FALSE(kept.get_link_advice_flag());
   run({}, {"-O4", "--opt_for_speed=4"});
   EXPECT_EQ(ADVICE(advice_path.c_str()).get_entries().count("27011"), 0u);
+  run({}, {"--opt_for_speed=0"});  // the lowest goal is written as a setting too
+  EXPECT_NE(read_file(advice_path).find("--opt_for_speed=0"), std::string::npos);
 }
 
 }  // namespace

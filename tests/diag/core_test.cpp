@@ -99,8 +99,9 @@ TEST_F(CoreTest, SeveritiesOverrideByCodeByListAndBySeverityWithSaveAndRestore) 
     EXPECT_EQ(row(code).severity, before) << code;
   }
   DIAGNOSTIC::override_severity(12345, dc_remark);
-  // A list reads the digits across other characters up to each comma.
-  DIAGNOSTIC::override_severity("240 03,x24004,,99999999999999,", dc_remark);
+  // A list reads the digits across other characters up to each comma; a number
+  // past the codes stays there (it would wrap to 24016 at 64 bits).
+  DIAGNOSTIC::override_severity("240 03,x24004,,18446744073709575632,", dc_remark);
   EXPECT_EQ(row(24003).severity, dc_remark);
   EXPECT_EQ(row(24004).severity, dc_remark);
   EXPECT_EQ(row(24016).severity, dc_warning);

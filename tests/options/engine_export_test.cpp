@@ -37,7 +37,10 @@ TEST_F(Export, ExportGivesParsableText) {
   EXPECT_EQ(opts.export_option(T::NAMES, 2), nullptr);
   EXPECT_EQ(opts.export_option(T::ALPHA_BETA, 0), nullptr);  // not set
   opts.clearopt(T::COLOR);
+  opts.clearopt(T::VERBOSE);
   EXPECT_EQ(opts.export_option(T::COLOR, 0), nullptr);                // cleared
+  EXPECT_EQ(opts.export_option(T::VERBOSE, 0), nullptr);
+  EXPECT_EQ(opts.format_of_option(-1), nullptr);
   const option_row& mode = opts.table().option_definitions[T::MODE];  // help's left column
   EXPECT_STREQ(T::get_opt_txt(mode.long_form, mode.alt_forms, mode.short_form, mode.arg_text,
                               mode.arg_optional),

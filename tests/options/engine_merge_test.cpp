@@ -47,9 +47,10 @@ TEST_F(Merge, EachPolicyCombinesTheFurtherFileIntoTheReceiver) {
       {{"-names=a", "-hard_a", "-over_a"},
        {"-names=b", "-names=c", "-hard_b", "-over_b"},
        {{T::NAMES, 3, "a,b,c"}, {T::OVER_A, 1, ""}}},
-      // max and min compare one-of words by their place in the list (red, crimson)
+      // max and min compare one-of words by their place in the list (red, crimson, green)
       {{"-color=red"}, {"-color=crimson"}, {{T::COLOR, 2, "crimson"}}},
       {{"-color=crimson"}, {"-color=red"}, {{T::COLOR, 1, "crimson"}}},
+      {{"-color=crimson"}, {"-color=green"}, {{T::COLOR, 2, "green"}}},
       {{"-level=4"}, {"-level=2"}, {{T::LEVEL, 2, "2"}}},
       {{"-level=2"}, {"-level=6"}, {{T::LEVEL, 1, "2"}}},
       {{}, {"-number=3"}, {{T::NUMBER, 1, "3"}}},
@@ -65,10 +66,12 @@ TEST_F(Merge, EachPolicyCombinesTheFurtherFileIntoTheReceiver) {
       {{"-verbose"}, {"-quiet_a"}, {{T::VERBOSE, 0, ""}, {T::QUIET_A, 1, ""}}},
       {{"-quiet_a"}, {"-quiet_a"}, {{T::QUIET_A, 2, ""}}},
       {{"-quiet_a"}, {}, {{T::QUIET_A, 1, ""}}},
-      // init takes the first argument of the options with a policy other than none
-      {{},
-       {"-names=a", "-names=b", "-mode=fast", "-zip=z", "-trace"},
-       {{T::NAMES, 1, "a"}, {T::MODE, 1, "fast"}, {T::ZIP, 0, ""}, {T::TRACE, 0, ""}},
+      // init takes the first argument of the options with a policy other than none,
+      // and runs no conflicts
+      {{"-over_a"},
+       {"-names=a", "-names=b", "-mode=fast", "-zip=z", "-trace", "-over_b"},
+       {{T::NAMES, 1, "a"}, {T::MODE, 1, "fast"}, {T::ZIP, 0, ""}, {T::TRACE, 0, ""},
+        {T::OVER_A, 1, ""}, {T::OVER_B, 1, ""}},
        true},
   };
   for (const merge_case& c : cases) {

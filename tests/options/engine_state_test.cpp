@@ -15,7 +15,9 @@ TEST_F(State, StoredValues) {
   ASSERT_EQ(opts.history.size(), 2u);              // the constructor's default, then NUMBER
   EXPECT_EQ(opts.history.back().second.text, "");  // noted before the value came
   opts.setarg(T::ALPHA_BETA, nullptr);             // a null text does nothing
-  expect_facts(opts, {{T::NUMBER, 1, "12"}, {T::ALPHA_BETA, 0, ""}});
+  opts.setarg(T::ZIP, "z");
+  opts.setopt(T::NUMBER, 5L);  // sets it again
+  expect_facts(opts, {{T::NUMBER, 2, "5"}, {T::ALPHA_BETA, 0, ""}, {T::ZIP, 1, "z"}});
   // Text arguments convert to numbers by radix.
   opts.setopt(T::ALPHA_BETA, "0x10");
   EXPECT_EQ(opts.getnumarg(T::ALPHA_BETA, 0), 16);
@@ -26,9 +28,9 @@ TEST_F(State, StoredValues) {
   // get_argument describes the stored values (numbers: the merge tests).
   run("n=one");
   run("n=two");
-  an_argument_t arg;
+  an_argument_t arg{argument_signed, {.num = 7}, 2};
   opts.get_argument(T::ALPHA, &arg);
-  EXPECT_EQ(arg.type, argument_missing);
+  EXPECT_TRUE(arg.type == argument_missing && arg.value.num == 0 && arg.count == 0);
   opts.get_argument(T::NAMES, &arg);
   ASSERT_EQ(arg.type, argument_list);
   ASSERT_EQ(arg.count, 2u);
@@ -91,7 +93,10 @@ TEST_F(State, CopiesAreDeep) {
 
 TEST_F(State, FileOptionsEnterTheHistoryByTool) {
   diag_capture capture;
-  opts.addfileopt("a.asm", "asmzorv");
+  opts.debug = 1;
+  EXPECT_EQ(capture_output(stdout, [this] { opts.addfileopt("a.asm", "asmzorv"); }),
+            "test option debug: Add file 'a.asm' to asmzorv's history\n");
+  opts.debug = 0;
   opts.addfileopt("b.hex", "hexzorv");  // after the gap of embedded_options
   opts.addfileopt("c.x", "nosuchtool");
   opts.addfileopt("", "asmzorv");

@@ -125,7 +125,7 @@ TEST(FileNames, FilesOnDisk) {
       capture_output(stderr, [&] { fn_change_dir(std::string(missing).data()); });
   EXPECT_EQ(err.rfind("chdir in fn_change_dir: ", 0), 0u) << err;
   char here[501];
-  EXPECT_EQ(fn_get_working_dir(here), here);
+  EXPECT_EQ(capture_output(stderr, [&] { EXPECT_EQ(fn_get_working_dir(here), here); }), "");
   EXPECT_EQ(std::string(here), target);
   fn_change_dir(before);
   free(before);
@@ -134,12 +134,13 @@ TEST(FileNames, FilesOnDisk) {
   char* made = fn_tmpnam(nullptr, "ignored", tmp.path().c_str());
   const std::string name = made;
   free(made);
-  // Two letters, then three base-62 digits of the process id.
+  // Two letters, then three base-62 digits of the process id, then six random characters.
   const char* digits = "0123456789abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ";
   const long pid = getpid();
   const std::string prefix = {'z', 'v', digits[pid / 3844 % 62], digits[pid / 62 % 62],
                               digits[pid % 62]};
   EXPECT_EQ(name.rfind(tmp.path() + "/" + prefix, 0), 0u) << name;
+  EXPECT_EQ(name.size(), tmp.path().size() + 1 + prefix.size() + 6) << name;
   EXPECT_FALSE(fn_exists(name.c_str()));
 
   char dest[512];

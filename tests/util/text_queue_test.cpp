@@ -21,7 +21,9 @@ std::string listing(int width, sort_method sort, const entries& queued, int colu
 
 TEST(TextQueue, SortOrdersAndColumns) {
   // By key, leading dashes skipped; equal keys keep their order. Method 0 sorts
-  // by key too. Texts begin in upper case.
+  // by key too. Texts begin in upper case. A new queue drops what was never printed.
+  init_queue("X", 3, sort_by_key);
+  queueup("-z", "z", 0);
   for (sort_method method : {sort_by_key, static_cast<sort_method>(0)})
     EXPECT_EQ(listing(3, method, {{"--b", "b"}, {"-c", "c"}, {"-a", "a"}, {"--a", "a"}}),
               "T\n  -a  A\n  --a A\n  --b B\n  -c  C\n");

@@ -1,1 +1,1 @@
-Unhandled exception of type [^\n]*ptree_bad_path[^\n]*: No such node \(body\.timestamp\)\n\nThis is caused by a defect in the Orvane Advice and Performance results utility\.\n.*test case including ALL of the command-line options\.\n\n
+Unhandled exception of type [^\n]*::ptree_bad_path[^\n]*: No such node \(body\.timestamp\)\n\nThis is caused by a defect in the Orvane Advice and Performance results utility\.\n.*test case including ALL of the command-line options\.\n\n

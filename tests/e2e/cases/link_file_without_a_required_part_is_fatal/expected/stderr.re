@@ -1,1 +1,1 @@
-Unhandled exception of type [^\n]*ptree_bad_path[^\n]*: No such node \(name\)\n\n.*
+Unhandled exception of type [^\n]*::ptree_bad_path[^\n]*: No such node \(name\)\n\n.*
