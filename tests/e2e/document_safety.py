@@ -5,6 +5,7 @@ Usage: document_safety.py ADVZORV CASES_DIR"""
 import os
 import random
 import re
+import resource
 import shutil
 import signal
 import stat
@@ -115,12 +116,8 @@ def a_file_size_limit_leaves_both_documents_as_they_were(p, check):
     for i in range(20):  # a results document larger than the limit
         p.run("append", f"v{i}".encode())
     before = p.read("advice.xml"), p.read("perf.xml")
-
-    def limit():
-        import resource
-        resource.setrlimit(resource.RLIMIT_FSIZE, (1024, resource.RLIM_INFINITY))
-
-    status, err = p.run("end", b"second", preexec=limit)
+    status, err = p.run("end", b"second", preexec=lambda: resource.setrlimit(
+        resource.RLIMIT_FSIZE, (1024, resource.RLIM_INFINITY)))
     check(status == 1 and b"write error" in err, f"status {status}, stderr {err!r}")
     check((p.read("advice.xml"), p.read("perf.xml")) == before, "a document changed")
     check(not p.temp_files(), f"left behind: {p.temp_files()}")
