@@ -255,8 +255,8 @@ TEST_F(Documents, TheLevelAdviceFollowsLevelAndDebugInformation) {
                     low = "27008 3 Detecting compilation with low optimization. " + recommend3,
                     three =
                         "27009 4 Detecting compilation at optimization level 3. Recommend "
-                        "setting --opt_level=4. NOTE: Compilation time will increase";
-  const std::string debug = " NOTE: debug ability will decrease.";
+                        "setting --opt_level=4. NOTE: Compilation time will increase",
+                    debug = " NOTE: debug ability will decrease.";
   const std::pair<tokens, std::string> cases[] = {
       {{}, none + debug},
       {{"-Ooff", "--symdebug:none"}, none},

@@ -61,11 +61,9 @@ class Project:
     def wait_for_writing(self, proc):
         """Returns once proc has begun to write the results document, or has ended."""
         doc = os.path.join(self.work, "perf.xml")
-        before = os.stat(doc).st_mtime_ns, os.stat(doc).st_size
-        while proc.poll() is None and not self.temp_files():
-            now = os.stat(doc)
-            if (now.st_mtime_ns, now.st_size) != before:
-                return
+        state = lambda: (os.stat(doc).st_mtime_ns, os.stat(doc).st_size)
+        before = state()
+        while proc.poll() is None and not self.temp_files() and state() == before:
             time.sleep(0.0002)
 
     def temp_files(self):
