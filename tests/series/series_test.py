@@ -194,14 +194,10 @@ def check_progress():
     for name, on_terminal, env, wanted, unwanted in PROGRESS:
         environment = {k: v for k, v in os.environ.items() if k != "CI"}
         with tempfile.TemporaryDirectory(prefix="advzorv-series-") as work:
-            if on_terminal:
-                line = " ".join(shlex.quote(word) for word in command) + " 2>&1 >/dev/null"
-                shown = subprocess.run(["script", "-qec", line, "/dev/null"], cwd=work,
-                                       env={**environment, **env}, capture_output=True,
-                                       text=True).stdout
-            else:
-                shown = subprocess.run(command, cwd=work, env={**environment, **env},
-                                       capture_output=True, text=True).stderr
+            line = " ".join(shlex.quote(word) for word in command) + " 2>&1 >/dev/null"
+            shown = subprocess.run(["script", "-qec", line, "/dev/null"] if on_terminal else
+                                   ["sh", "-c", line], cwd=work, env={**environment, **env},
+                                   capture_output=True, text=True).stdout
             for text in wanted + unwanted:
                 check((text in shown) == (text in wanted),
                       "progress on a %s: %r (un)wanted in %r" % (name, text, shown))
