@@ -58,7 +58,6 @@ class ReplaceFile : public ::testing::Test {
       found.insert(entry.path().filename().string());
     return found;
   }
-  // The directory holds the document and nothing else.
   void expect_untouched() const {
     EXPECT_EQ(read_file(doc), "old");
     EXPECT_EQ(names(), std::set<std::string>{"perf.xml"});
@@ -82,18 +81,14 @@ TEST_F(ReplaceFile, KeepsPermissionBitsAndSymbolicLinks) {
 TEST_F(ReplaceFile, AFailedWriteLeavesTheOldFileAndNoNewOne) {
   rlimit saved;
   getrlimit(RLIMIT_FSIZE, &saved);
-  rlimit small = saved;
-  small.rlim_cur = 1024;
+  const rlimit small{1024, saved.rlim_max};
   setrlimit(RLIMIT_FSIZE, &small);
-  EXPECT_THROW(replace_file(doc, std::string(4096, 'x')),
-               boost::property_tree::xml_parser::xml_parser_error);
+  EXPECT_THROW(replace_file(doc, std::string(4096, 'x')), xml_parser_error);
   setrlimit(RLIMIT_FSIZE, &saved);
   expect_untouched();
 
   chmod(doc.c_str(), 0444);  // read-only is kept, unless root ignores it
-  if (access(doc.c_str(), W_OK) != 0) {
-    EXPECT_ANY_THROW(replace_file(doc, "new"));
-  }
+  if (access(doc.c_str(), W_OK) != 0) EXPECT_ANY_THROW(replace_file(doc, "new"));
   expect_untouched();
 }
 

@@ -1,6 +1,5 @@
 // The documents' rules that no end-to-end case reaches: odd numbers, deep or
-// damaged files, the link's code size, the level series and refused events,
-// the series result going once the build uses it, and how new a link must be.
+// damaged files, the link's code size, series, refused events, stale links.
 #include "ADVICE_PERF/advice.h"
 #include "ADVICE_PERF/driver.h"
 #include "ADVICE_PERF/file_text.h"
@@ -100,11 +99,9 @@ TEST(LoadFileText, RegularFilesAndPipesShareOneSizeRule) {
   }
 }
 
-// The time the tests' clock gives; it moves on at every reading, so only a
-// time read once per run keeps both documents of a run on one time stamp.
+// Moves on at every reading: only a time read once per run keeps both documents on one stamp.
 uint64_t clock_now;
 
-// Runs of the tool's document steps over files in a temporary directory.
 class Documents : public ::testing::Test {
  protected:
   TempDir dir;
@@ -114,18 +111,13 @@ class Documents : public ::testing::Test {
 
   void SetUp() override {
     DIAGNOSTIC::wrap_enabled_m = false;
-    at(0x1000);
+    clock_now = 0x1000;
+    set_timestamp_clock([] { return clock_now++; });
   }
   void TearDown() override {
     cmdline_options = nullptr;
     global_options = nullptr;
     set_timestamp_clock(nullptr);
-  }
-
-  // The runs from here on happen at the given second, as a new process would see it.
-  static void at(uint64_t time) {
-    clock_now = time;
-    set_timestamp_clock([] { return clock_now++; });
   }
 
   // One invocation with the tool's own options and the build's shell options.
@@ -161,10 +153,13 @@ class Documents : public ::testing::Test {
     return LINK_DATA(link_path.c_str()).get_code_size();
   }
   int groups = 0;
-  std::string group(const char* size, const char* name, const char* ref) {
-    return "<logical_group id=\"g" + std::to_string(++groups) + "\"><size>" + size +
-           "</size><name>" + name + "</name><contents><object_component_ref idref=\"" + ref +
-           "\"/></contents></logical_group>";
+  // A group of the components whose one-letter ids refs holds.
+  std::string group(const char* size, const char* name, const std::string& refs) {
+    std::string xml = "<logical_group id=\"g" + std::to_string(++groups) + "\"><size>" + size +
+                      "</size><name>" + name + "</name><contents>";
+    for (const char id : refs)
+      xml += "<object_component_ref idref=\"" + std::string(1, id) + "\"/>";
+    return xml + "</contents></logical_group>";
   }
   // One build of a series: a link with size bytes of code, then the run of its event.
   void build(const std::string& event, const std::string& option, const std::string& value,
@@ -197,11 +192,7 @@ TEST_F(Documents, CodeSizeOfTheLink) {
                                  group("0x1000", ".bss", "b") +
                                  group("0x1000", ".debug_info", "z") + group("0x8", ".debu", "c")),
             0x208u);
-  EXPECT_EQ(link(components,
-                 "<logical_group id=\"g\"><size>0x40</size><name>.data</name><contents>"
-                 "<object_component_ref idref=\"z\"/><object_component_ref idref=\"b\"/>"
-                 "</contents></logical_group>"),
-            0u);
+  EXPECT_EQ(link(components, group("0x40", ".data", "zb")), 0u);
   EXPECT_EQ(link(components, group("0x7fffffff", ".text", "z") + group("0x7fffffff", ".text", "z") +
                                  group("3", ".text", "z")),
             1u);
@@ -267,8 +258,8 @@ TEST_F(Documents, TheLevelAdviceFollowsLevelAndDebugInformation) {
                     low = "27008 3 Detecting compilation with low optimization. " + recommend3,
                     three =
                         "27009 4 Detecting compilation at optimization level 3. Recommend "
-                        "setting --opt_level=4. NOTE: Compilation time will increase";
-  const std::string debug = " NOTE: debug ability will decrease.";
+                        "setting --opt_level=4. NOTE: Compilation time will increase",
+                    debug = " NOTE: debug ability will decrease.";
   const std::pair<tokens, std::string> cases[] = {
       {{}, none + debug},
       {{"-Ooff", "--symdebug:none"}, none},

@@ -32,7 +32,6 @@ std::string summary(const char* path) {
   }
 }
 
-// A link file with the given time, component list and group list elements.
 std::string link_file(const std::string& time, const std::string& components,
                       const std::string& groups) {
   return "<link_info><link_time>" + time + "</link_time>" + components + groups + "</link_info>";
@@ -42,8 +41,7 @@ const std::string no_groups = "<logical_group_list/>";
 const std::string one_component = "<object_component_list><object_component id='a'/>"
                                   "</object_component_list>";
 
-// A link file whose left-out element x holds levels - 1 nested elements
-// around innermost.
+// A link file whose left-out element x holds levels - 1 elements around innermost.
 std::string nested(int levels, const std::string& innermost) {
   std::string open, close;
   for (int level = 1; level < levels; ++level)

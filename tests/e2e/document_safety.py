@@ -5,6 +5,7 @@ Usage: document_safety.py ADVZORV CASES_DIR"""
 import os
 import random
 import re
+import resource
 import shutil
 import signal
 import stat
@@ -60,11 +61,9 @@ class Project:
     def wait_for_writing(self, proc):
         """Returns once proc has begun to write the results document, or has ended."""
         doc = os.path.join(self.work, "perf.xml")
-        before = os.stat(doc).st_mtime_ns, os.stat(doc).st_size
-        while proc.poll() is None and not self.temp_files():
-            now = os.stat(doc)
-            if (now.st_mtime_ns, now.st_size) != before:
-                return
+        state = lambda: (os.stat(doc).st_mtime_ns, os.stat(doc).st_size)
+        before = state()
+        while proc.poll() is None and not self.temp_files() and state() == before:
             time.sleep(0.0002)
 
     def temp_files(self):
@@ -115,12 +114,8 @@ def a_file_size_limit_leaves_both_documents_as_they_were(p, check):
     for i in range(20):  # a results document larger than the limit
         p.run("append", f"v{i}".encode())
     before = p.read("advice.xml"), p.read("perf.xml")
-
-    def limit():
-        import resource
-        resource.setrlimit(resource.RLIMIT_FSIZE, (1024, resource.RLIM_INFINITY))
-
-    status, err = p.run("end", b"second", preexec=limit)
+    status, err = p.run("end", b"second", preexec=lambda: resource.setrlimit(
+        resource.RLIMIT_FSIZE, (1024, resource.RLIM_INFINITY)))
     check(status == 1 and b"write error" in err, f"status {status}, stderr {err!r}")
     check((p.read("advice.xml"), p.read("perf.xml")) == before, "a document changed")
     check(not p.temp_files(), f"left behind: {p.temp_files()}")

@@ -11,11 +11,13 @@ import sys
 import tempfile
 import xml.etree.ElementTree as ET
 
+from document_safety import Project
+
 CALLS = ["openat", "read", "pread64", "write", "fsync", "rename", "ftruncate", "close",
          "newfstatat", "flock", "fcntl", "link", "unlink"]
 INTERRUPTIBLE = ["openat", "read", "pread64", "write", "fsync", "rename", "ftruncate", "flock"]
 DOCUMENTS = ("advice.xml", "perf.xml")
-OLD_KEYS = {f"k{i:04}" for i in range(1000)}
+OLD_KEYS = {f"k{i:06}" for i in range(1000)}
 TIMESTAMP = re.compile(rb"<timestamp>0x[0-9a-f]+</timestamp>")
 ARGS = ["--advice_file=advice.xml", "--benchmarks_file=perf.xml", "--xml_link_info=link.xml",
         "--linker_options_file=options.cmd", "--benchmark:option=--opt_for_speed"]
@@ -33,14 +35,7 @@ class Runs:
         self.binary, self.origin, self.in_place, self.work = binary, origin, in_place, origin + "-run"
         self.user = ["-u", "nobody"] if in_place and os.geteuid() == 0 else []
         os.mkdir(origin)
-        for name in ("link.xml", "options.cmd"):
-            shutil.copy(os.path.join(cases, "benchmark_end_recommends_the_best_setting", "input",
-                                     name), origin)
-        subprocess.run([binary, *ARGS, "--benchmark:event=start"], cwd=origin, check=True)
-        bars = "".join(f'<bar option_value="{key}" value="1" color="yellow"/>\n' for key in OLD_KEYS)
-        with open(os.path.join(origin, "perf.xml"), "w") as f:
-            f.write('<body><version>1</version><timestamp>0x0</timestamp><chart option='
-                    f'"--opt_for_speed" title="t" valueLabel="v">\n{bars}</chart></body>\n')
+        Project(binary, cases, origin).big_results(len(OLD_KEYS))
         for name in DOCUMENTS:
             os.chmod(os.path.join(origin, name), 0o666)
         self.old = documents(origin)

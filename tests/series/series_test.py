@@ -1,10 +1,6 @@
 #!/usr/bin/env python3
-"""advzorv-series end to end. A fake build (fake_build.sh) writes link
-information whose code size grows with the value; each case plays a whole
-series in a scratch directory and compares the exit status, the messages, the
-builds that ran, the chart and advice that advzorv recorded and the documents'
-validity.
-
+"""advzorv-series end to end: each case plays a whole series of fake builds
+(fake_build.sh, code size growing with the value) in a scratch directory.
 Usage: series_test.py ADVZORV_SERIES ADVZORV FAKE_BUILD SCHEMA_DIR outcomes|stops
 """
 import os
@@ -41,10 +37,8 @@ def start(work, args, env):
 def chart(work):
     """The bars as {key: colour}, or None when there is no results document."""
     path = os.path.join(work, "perf_results.xml")
-    if not os.path.exists(path):
-        return None
-    return {bar.get("option_value"): bar.get("color")
-            for bar in ET.parse(path).getroot().find("chart")}
+    return {bar.get("option_value"): bar.get("color") for bar in
+            ET.parse(path).getroot().find("chart")} if os.path.exists(path) else None
 
 
 def recommended(work):
@@ -62,13 +56,11 @@ def builds(work):
 def check_documents_valid(name, work):
     if not shutil.which("xmllint"):
         return
-    for document, schema in (("advice.xml", "advice.xsd"), ("perf_results.xml",
-                                                            "perf_results.xsd")):
-        path = os.path.join(work, document)
+    for document in ("advice", "perf_results"):
+        path = os.path.join(work, document + ".xml")
         if os.path.exists(path):
-            lint = subprocess.run(["xmllint", "--noout", "--schema",
-                                   os.path.join(schema_dir, schema), path],
-                                  capture_output=True, text=True)
+            lint = subprocess.run(["xmllint", "--noout", "--schema", os.path.join(
+                schema_dir, document + ".xsd"), path], capture_output=True, text=True)
             check(lint.returncode == 0, "%s: %s is not valid: %s" % (name, document, lint.stderr))
 
 
@@ -79,6 +71,21 @@ def record_line(value, option="--opt_for_speed"):
 
 Y, G, R, C = "yellow", "green", "red", "cyan"
 SPEED = ["0", "1", "2", "3", "4", "5"]
+
+
+def no_bar_at_2(name, env, *messages):
+    """The build at 2 gives no bar: the series stops there, or kept going builds 3 as well."""
+    args = ["--option=--opt_for_speed", "--values=0,1,2,3"]
+    return [(name, args, env, 1, list(messages), {"0": Y, "1": G}, SPEED[:3], [], []),
+            (name + ", keep going", args + ["--keep-going"], env, 1,
+             [*messages, "the chart holds no bar for --opt_for_speed=2"], {"0": Y, "1": Y, "3": G},
+             SPEED[:4], [], [])]
+
+
+def refused(name, args, message, status=1):
+    return (name, args, {}, status, [message], None, [], [], [])
+
+
 # name, arguments, environment, status, messages (in stderr), bars (None: no
 # document), values built, build_results advice [(code, value)], shown (in stdout)
 OUTCOMES = [
@@ -90,33 +97,16 @@ OUTCOMES = [
     ("-O varies --opt_level over the table's words", ["--option=-O"], {}, 0, [],
      dict.fromkeys(["off", "0", "1", "2", "3", "4"], C), ["off", "0", "1", "2", "3", "4"], [],
      ["Vary Optimization Level"]),
-    ("a failed build stops the series", ["--option=--opt_for_speed", "--values=0,1,2,3"],
-     {"FAKE_FAIL": "2"}, 1,
-     ["the build at --opt_for_speed=2 failed with status 2", "fake build failed at 2"],
-     {"0": Y, "1": G}, ["0", "1", "2"], [], []),
-    ("a failed build, keep going", ["--option=--opt_for_speed", "--values=0,1,2,3",
-                                    "--keep-going"], {"FAKE_FAIL": "2"}, 1,
-     ["the build at --opt_for_speed=2 failed with status 2",
-      "the chart holds no bar for --opt_for_speed=2"],
-     {"0": Y, "1": Y, "3": G}, ["0", "1", "2", "3"], [], []),
-    ("a link file the build left alone", ["--option=--opt_for_speed", "--values=0,1,2,3"],
-     {"FAKE_STALE": "2"}, 1, ["link_info.xml was not rewritten by the build at --opt_for_speed=2"],
-     {"0": Y, "1": G}, ["0", "1", "2"], [], []),
-    ("a link file the build left alone, keep going",
-     ["--option=--opt_for_speed", "--values=0,1,2,3", "--keep-going"], {"FAKE_STALE": "2"}, 1,
-     ["link_info.xml was not rewritten by the build at --opt_for_speed=2"],
-     {"0": Y, "1": Y, "3": G}, ["0", "1", "2", "3"], [], []),
+    *no_bar_at_2("a failed build", {"FAKE_FAIL": "2"}, "fake build failed at 2",
+                 "the build at --opt_for_speed=2 failed with status 2"),
+    *no_bar_at_2("a link file the build left alone", {"FAKE_STALE": "2"},
+                 "link_info.xml was not rewritten by the build at --opt_for_speed=2"),
+    *no_bar_at_2("a link file that isn't XML", {"FAKE_GARBAGE": "2"},
+                 "link_info.xml from the build at --opt_for_speed=2 is not well-formed link "
+                 "information"),
     ("no link file at all", ["--option=--opt_for_speed", "--values=0,1"], {"FAKE_STALE": "0"}, 1,
      ["link_info.xml was not written by the build at --opt_for_speed=0: no bar"], {}, ["0"], [],
      []),
-    ("a link file that isn't XML", ["--option=--opt_for_speed", "--values=0,1,2,3"],
-     {"FAKE_GARBAGE": "2"}, 1,
-     ["link_info.xml from the build at --opt_for_speed=2 is not well-formed link information"],
-     {"0": Y, "1": G}, ["0", "1", "2"], [], []),
-    ("a link file that isn't XML, keep going",
-     ["--option=--opt_for_speed", "--values=0,1,2,3", "--keep-going"], {"FAKE_GARBAGE": "2"}, 1,
-     ["link_info.xml from the build at --opt_for_speed=2 is not well-formed link information"],
-     {"0": Y, "1": Y, "3": G}, ["0", "1", "2", "3"], [], []),
     ("a link older than the results document", ["--option=--opt_for_speed", "--values=0,1"],
      {"FAKE_OLD": "1"}, 1,
      ["link_info.xml was not rewritten by the build at --opt_for_speed=1 (link time 0x10 is "
@@ -129,19 +119,16 @@ OUTCOMES = [
      {"FAKE_GARBAGE": "2", "FAKE_OPTIONS": "--opt_for_speed=0"}, 1,
      ["the chart holds no bar for --opt_for_speed=2"], {"0": Y, "1": G}, ["0", "1", "2"],
      [("27011", "1")], []),
-    ("a value the table refuses, before any build",
-     ["--option=--opt_for_speed", "--values=0,6"], {}, 1,
-     ["argument to option --opt_for_speed (0-5) is out of range"], None, [], [], []),
-    ("a word the table refuses, before any build",
-     ["--option=--opt_level", "--values=2,fast"], {}, 1,
-     ["bad argument to option --opt_level: should be one of {off,0,1,2,3,4}"], None, [], [], []),
-    ("a value given twice, before any build", ["--option=--opt_for_speed", "--values=1,2,1"],
-     {}, 1, ["value 1 of --opt_for_speed is given twice"], None, [], [], []),
-    ("an option the table doesn't know", ["--option=--fastest"], {}, 1,
-     ["--fastest is no option of the compiler shell"], None, [], [], []),
-    ("an option of the series it doesn't know, as usage", ["--option=--opt_for_speed",
-                                                           "--fast"], {}, 2,
-     ["not expected: -- --fast"], None, [], [], []),
+    refused("a value the table refuses", ["--option=--opt_for_speed", "--values=0,6"],
+            "argument to option --opt_for_speed (0-5) is out of range"),
+    refused("a word the table refuses", ["--option=--opt_level", "--values=2,fast"],
+            "bad argument to option --opt_level: should be one of {off,0,1,2,3,4}"),
+    refused("a value given twice", ["--option=--opt_for_speed", "--values=1,2,1"],
+            "value 1 of --opt_for_speed is given twice"),
+    refused("an option the table doesn't know", ["--option=--fastest"],
+            "--fastest is no option of the compiler shell"),
+    refused("an option of the series it doesn't know, as usage",
+            ["--option=--opt_for_speed", "--fast"], "not expected: -- --fast", status=2),
 ]
 
 
@@ -171,8 +158,7 @@ def check_exports(name, work, args):
     if "html" in files:
         ET.parse(os.path.join(work, files["html"]))  # well-formed XHTML
     if "export-json" in files:
-        with open(os.path.join(work, files["export-json"])) as f:
-            exported = json.load(f)
+        exported = json.load(open(os.path.join(work, files["export-json"])))
         shown = {bar["key"]: bar["color"] for bar in exported["chart"]["bars"]}
         check(shown == bars, "%s: JSON bars %s" % (name, shown))
         check(exported["best"] == next((k for k, c in bars.items() if c == G), ""),
@@ -182,13 +168,12 @@ def check_exports(name, work, args):
         except ImportError:
             print("python3-jsonschema not found: the JSON is not validated")
             return
-        with open(os.path.join(schema_dir, "report_documents.schema.json")) as f:
-            schema = json.load(f)
+        schema = json.load(open(os.path.join(schema_dir, "report_documents.schema.json")))
         errors = list(jsonschema.Draft202012Validator(schema).iter_errors(exported))
         check(not errors, "%s: JSON against its schema: %s" % (name, [e.message for e in errors]))
     if "export-markdown" in files:
-        with open(os.path.join(work, files["export-markdown"])) as f:
-            rows = [line for line in f if line.startswith("| ")]
+        rows = [row for row in open(os.path.join(work, files["export-markdown"]))
+                if row.startswith("| ")]
         for key in bars:
             check(any(row.startswith("| %s | " % key) for row in rows),
                   "%s: no Markdown row of bar %s" % (name, key))
@@ -209,18 +194,13 @@ def check_progress():
     for name, on_terminal, env, wanted, unwanted in PROGRESS:
         environment = {k: v for k, v in os.environ.items() if k != "CI"}
         with tempfile.TemporaryDirectory(prefix="advzorv-series-") as work:
-            if on_terminal:
-                line = " ".join(shlex.quote(word) for word in command) + " 2>&1 >/dev/null"
-                shown = subprocess.run(["script", "-qec", line, "/dev/null"], cwd=work,
-                                       env={**environment, **env}, capture_output=True,
-                                       text=True).stdout
-            else:
-                shown = subprocess.run(command, cwd=work, env={**environment, **env},
-                                       capture_output=True, text=True).stderr
-            for text in wanted:
-                check(text in shown, "progress on a %s: no %r in %r" % (name, text, shown))
-            for text in unwanted:
-                check(text not in shown, "progress on a %s: %r in %r" % (name, text, shown))
+            line = " ".join(shlex.quote(word) for word in command) + " 2>&1 >/dev/null"
+            shown = subprocess.run(["script", "-qec", line, "/dev/null"] if on_terminal else
+                                   ["sh", "-c", line], cwd=work, env={**environment, **env},
+                                   capture_output=True, text=True).stdout
+            for text in wanted + unwanted:
+                check((text in shown) == (text in wanted),
+                      "progress on a %s: %r (un)wanted in %r" % (name, text, shown))
 
 
 def live_processes_of_group(pgid):
@@ -236,13 +216,6 @@ def live_processes_of_group(pgid):
     return found
 
 
-def wait_for_file(path, seconds):
-    deadline = time.monotonic() + seconds
-    while not os.path.exists(path) and time.monotonic() < deadline:
-        time.sleep(0.05)
-    return os.path.exists(path)
-
-
 # A stop during the third build: that build and everything it started ends,
 # nothing is recorded for it, the documents stay whole.
 STOPS = [(signal.SIGINT, 130, "SIGINT"), (signal.SIGTERM, 143, "SIGTERM")]
@@ -252,11 +225,13 @@ def check_stops():
     for sig, status, name in STOPS:
         with tempfile.TemporaryDirectory(prefix="advzorv-series-") as work:
             run = start(work, ["--option=--opt_for_speed"], {"FAKE_SLEEP": "2"})
-            pid_file = os.path.join(work, "fake_build.pid")
-            if not wait_for_file(pid_file, 60):
+            pid_file, deadline = os.path.join(work, "fake_build.pid"), time.monotonic() + 60
+            while not os.path.exists(pid_file) and time.monotonic() < deadline:
+                time.sleep(0.05)
+            if not os.path.exists(pid_file):
                 run.kill()
-                failures.append("%s: the third build never started\n%s" % (name,
-                                                                         run.communicate()[1]))
+                failures.append("%s: the third build never started\n%s"
+                                % (name, run.communicate()[1]))
                 continue
             time.sleep(0.05)  # the pid is written before the shell sleeps
             build_pid = int(open(pid_file).read())
