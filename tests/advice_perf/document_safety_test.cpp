@@ -88,7 +88,9 @@ TEST_F(ReplaceFile, AFailedWriteLeavesTheOldFileAndNoNewOne) {
   expect_untouched();
 
   chmod(doc.c_str(), 0444);  // read-only is kept, unless root ignores it
-  if (access(doc.c_str(), W_OK) != 0) EXPECT_ANY_THROW(replace_file(doc, "new"));
+  if (access(doc.c_str(), W_OK) != 0) {
+    EXPECT_ANY_THROW(replace_file(doc, "new"));
+  }
   expect_untouched();
 }
 
