@@ -1,0 +1,67 @@
+"""What the report tests share: the programs under test (ADVZORV and ADVZORV_REPORT,
+the first two arguments), documents made for them, running them, the failures found."""
+import os, subprocess, sys
+import xml.etree.ElementTree as ET
+from xml.sax.saxutils import escape
+
+advzorv, report = map(os.path.abspath, sys.argv[1:3])
+failures = []
+STAMP = 0x6900a1b2
+CURRENT = ("00000", "curr_setting", "", "",
+           "advice: Current optimization/debug settings:  --opt_level=2  --opt_for_speed=2")
+
+
+def check(ok, what):
+    if not ok:
+        failures.append(what)
+
+
+def run(*args, cwd=None, env=None):
+    return subprocess.run([report, *args], capture_output=True, text=True, cwd=cwd,
+                          env={**os.environ, "TZ": "UTC", **(env or {})})
+
+
+def write(path, text):
+    with open(path, "w") as f:
+        f.write(text)
+
+
+def write_documents(work, bars, advice=(CURRENT,)):
+    """An advice and a results document as advzorv writes them."""
+    os.makedirs(work, exist_ok=True)
+    head = "<body><version>1</version><timestamp>%#x</timestamp>" % STAMP
+    write(os.path.join(work, "advice.xml"), head + "".join(
+        '<advice diag_code="%s" advice_type="%s" option="%s" value="%s">%s</advice>'
+        % (*entry[:4], escape(entry[4])) for entry in advice) + "</body>")
+    chart = ET.Element("chart", option="--opt_for_speed", title="Vary Size vs Speed Setting",
+                       valueLabel="Code Size (bytes)")
+    for key, value, color in bars:
+        ET.SubElement(chart, "bar", option_value=key, value=str(value), color=color)
+    write(os.path.join(work, "perf_results.xml"),
+          head + ET.tostring(chart, encoding="unicode") + "</body>")
+
+
+def play_series(script, directory):
+    subprocess.run(["bash", script, advzorv, directory], check=True, capture_output=True)
+
+
+def bars_of(results):
+    return [(b.get("option_value"), int(b.get("value")), b.get("color"))
+            for b in ET.parse(results).find("chart")]
+
+
+def meaning(color):
+    return {"green": "best", "red": "error"}.get(color, "other")
+
+
+def check_refused(table, cwd=None):
+    """Each run of the table ends with status 2, the message and no output."""
+    for args, message in table:
+        done = run(*args, cwd=cwd)
+        check(done.returncode == 2 and message in done.stderr and not done.stdout,
+              "%s: status %d, %r" % (args, done.returncode, done.stderr))
+
+
+def finish():
+    print("\n".join(failures) or "ok")
+    sys.exit(1 if failures else 0)
