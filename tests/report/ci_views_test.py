@@ -3,12 +3,11 @@
 against the bar advzorv records, two links compared with the size gate, the documents' gate,
 what it refuses. Usage: ci_views_test.py ADVZORV ADVZORV_REPORT E2E_CASES DOC_DIR DEMO_LINK_INFO
 """
-import glob, json, os, re, shutil, subprocess, sys, tempfile, time
+import glob, json, jsonschema, os, re, shutil, subprocess, sys, tempfile, time
 import xml.etree.ElementTree as ET
 
-import jsonschema
-from report_checks import CURRENT, STAMP, advzorv, bars_of, check, check_refused, finish, meaning, \
-    run, write, write_documents
+from report_checks import CURRENT, STAMP, advzorv, bars_of, check, finish, meaning, run, write, \
+    write_documents
 
 cases, doc, demo_link = map(os.path.abspath, sys.argv[3:6])
 TOMORROW = int(time.time()) + 86400  # a link time past the documents', so advzorv takes its bar
@@ -22,8 +21,7 @@ def check_valid(kind, got, what):
 
 def check_documents_json():
     """Every pair of documents the end-to-end cases expect, as JSON and Markdown."""
-    pairs = sorted(glob.glob(os.path.join(cases, "*", "expected", "files")))
-    pairs = [files for files in pairs if os.path.exists(os.path.join(files, "perf.xml"))]
+    pairs = [os.path.dirname(f) for f in sorted(glob.glob(cases + "/*/expected/files/perf.xml"))]
     check(len(pairs) >= 3, "only %d pairs of documents among the cases" % len(pairs))
     for files in pairs:
         for name in ("advice.xml", "perf.xml"):
@@ -42,8 +40,8 @@ def check_documents_json():
                    for a in ET.parse("advice.xml").findall("advice")]
         check([(e["code"], e["type"], e["option"], e["value"], e["text"], e["action"])
                for e in got["advice"]] == entries, case + ": entries differ")
-        iso = time.strftime("%Y-%m-%dT%H:%M:%SZ", time.gmtime(STAMP))
-        check(got["timestamps"]["results"] == {"seconds": STAMP, "iso8601": iso},
+        check(got["timestamps"]["results"] == {"seconds": STAMP, "iso8601": time.strftime(
+              "%Y-%m-%dT%H:%M:%SZ", time.gmtime(STAMP))},
               case + ": time stamp %s" % got["timestamps"])
         markdown = run("--markdown", "advice.xml", "perf.xml").stdout
         for key, value, color in bars:
@@ -53,8 +51,7 @@ def check_documents_json():
 
 
 def link_file(path, groups):
-    """groups: (id, name, size, components), each component a letter, uninitialized when
-    upper case."""
+    """groups: (id, name, size, components: letters, upper case when uninitialized)."""
     text = ["<link_info><version>1</version><link_time>%#x</link_time><link_errors>0x0"
             "</link_errors><object_component_list>" % TOMORROW]
     text += ['<object_component id="%s"><uninitialized>%s</uninitialized></object_component>'
@@ -67,8 +64,7 @@ def link_file(path, groups):
     write(path, "".join(text) + "</logical_group_list></link_info>")
 
 
-SIZE_CASES = [  # a link file, or its groups, and why each group doesn't count (None: it
-    # counts); the generated file is only checked to hold each kind of group
+SIZE_CASES = [  # a link file or its groups, why each group doesn't count (None: it counts)
     ("demo", demo_link, {"lg-1": None, "lg-2": None, "lg-3": "uninitialized"}),
     ("generated", "generated.in", None),
     ("debug, uninitialized and empty groups", [
@@ -191,8 +187,9 @@ def check_refusals():
     check(foreign, "no case expects a foreign document")
     for path in foreign[-1:]:
         shutil.copy(path, "foreign.xml")
+    write("broken.xml", "<body><version>1</version")
     before = {n: open(n).read() for n in os.listdir()}
-    check_refused([
+    for args, message in [
         (["perf_results.xml", "advice.xml"],
          "perf_results.xml is an advzorv results document, not the advice document"),
         (["advice.xml", "advice.xml"],
@@ -200,6 +197,9 @@ def check_refusals():
         (["foreign.xml", "perf_results.xml"], "foreign.xml is not a valid advice document"),
         (["advice.xml", "link_info.xml"], "link_info.xml is not a valid results document"),
         (["advice.xml", "missing.xml"], "missing.xml: No such file or directory"),
+        (["missing.xml", "perf_results.xml"], "missing.xml: No such file or directory"),
+        (["advice.xml", "broken.xml"], "broken.xml is not an advzorv results document"),
+        (["advice.xml"], "expects two documents"),
         (["--html", "advice.xml", "advice.xml", "perf_results.xml"], "over the input advice.xml"),
         (["--json=./perf_results.xml", "advice.xml", "perf_results.xml"], "over the input"),
         (["--markdown=-", "advice.xml", "perf_results.xml"], "not -"),
@@ -214,7 +214,10 @@ def check_refusals():
         (["--check", "sizes", "link_info.xml"], "go without sizes and diff"),
         (["sizes"], "sizes expects one link information file"),
         (["diff", "link_info.xml"], "diff expects two link information files"),
-    ])
+    ]:
+        done = run(*args)
+        check(done.returncode == 2 and message in done.stderr and not done.stdout,
+              "%s: status %d, %r" % (args, done.returncode, done.stderr))
     after = {n: open(n).read() for n in os.listdir()}
     check(after == before, "a refused run changed the files: %s" % sorted(set(after) ^ set(before)))
     shutil.copy("advice.xml", "--check")

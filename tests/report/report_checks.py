@@ -48,14 +48,6 @@ def meaning(color):
     return {"green": "best", "red": "error"}.get(color, "other")
 
 
-def check_refused(table, cwd=None):
-    """Each run of the table ends with status 2, the message and no output."""
-    for args, message in table:
-        done = run(*args, cwd=cwd)
-        check(done.returncode == 2 and message in done.stderr and not done.stdout,
-              "%s: status %d, %r" % (args, done.returncode, done.stderr))
-
-
 def finish():
     print("\n".join(failures) or "ok")
     sys.exit(1 if failures else 0)
