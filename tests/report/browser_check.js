@@ -55,8 +55,7 @@ function measure() {
         await tab.goto('file://' + path.resolve(page));
         await tab.addScriptTag({ path: axe });
         const found = await tab.evaluate(measure);
-        const report = await tab.evaluate(() => axe.run(document));
-        found.violations = report.violations.map((v) => v.id + ': ' + v.nodes.map((n) => n.target).join(' '));
+        found.violations = (await tab.evaluate(() => axe.run(document))).violations.map((v) => v.id + ': ' + v.nodes.map((n) => n.target).join(' '));
         if (shots !== '-')
           await tab.screenshot({ path: path.join(shots, path.basename(page) + '.' + width + '.png'), fullPage: true });
         results[page][width] = found;
@@ -68,7 +67,4 @@ function measure() {
     fs.rmSync(profile, { recursive: true, force: true });
   }
   console.log(JSON.stringify(results, null, 1));
-})().catch((error) => {
-  console.error(error);
-  process.exit(2);
-});
+})().catch((error) => { console.error(error); process.exit(2); });

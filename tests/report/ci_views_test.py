@@ -184,9 +184,7 @@ def check_refusals():
     link_file("link_info.xml", [("1", ".text", 900, "a")])
     foreign = [f for f in glob.glob(os.path.join(cases, "*", "expected", "files", "advice.xml"))
                if not os.path.exists(os.path.join(os.path.dirname(f), "perf.xml"))]
-    check(foreign, "no case expects a foreign document")
-    for path in foreign[-1:]:
-        shutil.copy(path, "foreign.xml")
+    shutil.copy(foreign[-1], "foreign.xml")  # an IndexError when no case expects one
     write("broken.xml", "<body><version>1</version")
     before = {n: open(n).read() for n in os.listdir()}
     for args, message in [

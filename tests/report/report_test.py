@@ -12,6 +12,8 @@ from report_checks import CURRENT, STAMP, advzorv, bars_of, check, finish, meani
 chromium, node = (sys.argv[4:6] + ["", ""])[:2]
 here = os.path.dirname(os.path.abspath(__file__))
 STAMP_TEXT = time.strftime("%Y-%m-%d %H:%M:%S UTC", time.gmtime(STAMP))  # the report runs in UTC
+HEAD = ["Advice document written:  " + STAMP_TEXT, "Results document written: " + STAMP_TEXT, "",
+        "Current settings:", "  --opt_level      2", "  --opt_for_speed  2"]
 TUNED = ("advice #27011-D: Tunewise completed and best results were obtained with speed vs size "
          "setting %s (--opt_for_speed=%s).")
 
@@ -40,16 +42,13 @@ def check_terminal(work):
         write_documents(work, bars)
         done = run("advice.xml", "perf_results.xml", cwd=work, env={"COLUMNS": "80"})
         lines = done.stdout.splitlines()
-        check(lines[:6] == ["Advice document written:  " + STAMP_TEXT, "Results document written: "
-                            + STAMP_TEXT, "", "Current settings:", "  --opt_level      2",
-                            "  --opt_for_speed  2"], "head of the report: %s" % lines[:6])
         width = max([len(k) for k, _, _ in bars], default=0)
         largest = max([v for _, v, _ in bars], default=1)
         expected = ["  %-*s  %-40s %10d  %s" % (width, k, "#" * (v * 40 // largest), v, meaning(c))
                     for k, v, c in numeric_order(bars)]
-        check(done.returncode == 0 and "\x1b" not in done.stdout and
+        check(done.returncode == 0 and "\x1b" not in done.stdout and lines[:6] == HEAD and
               lines[-len(expected) - len(tail):] == expected + tail,
-              "chart of %s:\n%s" % (bars, done.stdout))
+              "report of %s:\n%s" % (bars, done.stdout))
 
     # Keys line up by the columns a terminal gives them, not by bytes.
     write_documents(work, [("é", 10, "yellow"), ("日本", 20, "green"), ("ab", 5, "yellow"),
@@ -104,9 +103,9 @@ def make_page(work, name, bars):
 
 
 def check_pages(work, series_bars):
-    colors = {7: "red", 12: "green", 21: "red"}
-    long_keys = [("build %02d with --opt_for_speed and a much longer name than a chart has room"
-                  " for" % n, 20000 + 997 * n, colors.get(n, "yellow")) for n in range(30)]
+    long_keys = [("build %02d" % n + " with a longer name than a chart has room for" * 2,
+                  20000 + 997 * n, {7: "red", 12: "green", 21: "red"}.get(n, "yellow"))
+                 for n in range(30)]
     made = {"example": make_page(work, "example", series_bars)}
     made_here = {"long": (long_keys,), "empty": ([],), "errors": (
         [("0", 900, "red"), ("1", 950, "red"), ("2", 990, "red")], [CURRENT, tuned("")])}
