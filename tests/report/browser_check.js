@@ -17,11 +17,10 @@ function measure() {
   const outside = [];
   if (document.documentElement.scrollWidth > width) outside.push('page ' + document.documentElement.scrollWidth);
   const bars = [...document.querySelectorAll('.chart .bar')];
-  for (const bar of bars)
-    for (const part of bar.querySelectorAll('.key, rect, .value')) {
-      const box = part.getBoundingClientRect();
-      if (box.left < 0 || box.right > width + 0.5) outside.push(bar.className + ' ' + part.getAttribute('class'));
-    }
+  for (const part of document.querySelectorAll('.chart .bar :is(.key, rect, .value)')) {
+    const box = part.getBoundingClientRect();
+    if (box.left < 0 || box.right > width + 0.5) outside.push(part.closest('.bar').className + ' ' + part.getAttribute('class'));
+  }
   const background = getComputedStyle(document.body).backgroundColor;
   const fills = bars.map((bar) => ({ meaning: bar.className, ...getComputedStyle(bar.querySelector('rect')) }));
   const low = [];
@@ -54,11 +53,10 @@ function measure() {
         await tab.setViewportSize({ width, height: 900 });
         await tab.goto('file://' + path.resolve(page));
         await tab.addScriptTag({ path: axe });
-        const found = await tab.evaluate(measure);
+        const found = results[page][width] = await tab.evaluate(measure);
         found.violations = (await tab.evaluate(() => axe.run(document))).violations.map((v) => v.id + ': ' + v.nodes.map((n) => n.target).join(' '));
         if (shots !== '-')
           await tab.screenshot({ path: path.join(shots, path.basename(page) + '.' + width + '.png'), fullPage: true });
-        results[page][width] = found;
         await tab.close();
       }
     }

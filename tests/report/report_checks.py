@@ -1,6 +1,6 @@
 """What the report tests share: the programs under test (ADVZORV and ADVZORV_REPORT,
 the first two arguments), documents made for them, running them, the failures found."""
-import os, subprocess, sys
+import os, pathlib, subprocess, sys
 import xml.etree.ElementTree as ET
 from xml.sax.saxutils import escape, quoteattr
 
@@ -22,8 +22,7 @@ def run(*args, cwd=None, env=None):
 
 
 def write(path, text):
-    with open(path, "w") as f:
-        f.write(text)
+    pathlib.Path(path).write_text(text)
 
 
 def write_documents(work, bars, advice=(CURRENT,)):
