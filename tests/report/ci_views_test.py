@@ -99,8 +99,7 @@ def check_sizes():
         got = json.loads(done.stdout) if done.returncode == 0 else {}
         check_valid("sizes", got, name)
         bar = -1 if bar is None else int(bar.get("value"))
-        check(got.get("code_size") == bar, "%s: total %s, bar %s" % (name, got.get("code_size"),
-                                                                     bar))
+        check(got.get("code_size") == bar, "%s: sum %s, bar %s" % (name, got.get("code_size"), bar))
         groups = got.get("groups", [])
         kinds = {g["id"]: g["why_not"] for g in groups}
         check({None, "debug", "uninitialized"} <= set(kinds.values()) if reasons is None

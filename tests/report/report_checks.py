@@ -1,5 +1,4 @@
-"""What the report tests share: the programs under test (ADVZORV and ADVZORV_REPORT,
-the first two arguments), documents made for them, running them, the failures found."""
+"""What the report tests share: advzorv and advzorv-report (the first two arguments), runs."""
 import os, pathlib, subprocess, sys
 import xml.etree.ElementTree as ET
 from xml.sax.saxutils import escape, quoteattr
