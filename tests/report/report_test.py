@@ -1,85 +1,31 @@
 #!/usr/bin/env python3
-"""advzorv-report on the documents of a whole benchmark series and on documents
-made here (30 long keys, an empty chart, a series whose builds all failed, odd
-keys): the terminal report, its colours, the HTML page in a browser, and bad
-documents.
-
-Usage: report_test.py ADVZORV ADVZORV_REPORT PLAY_SERIES [CHROMIUM NODE]
-Set ADVZORV_SCREENSHOTS to a directory to keep screenshots of the pages.
-"""
-import json
-import os
-import shlex
-import subprocess
-import sys
-import tempfile
-import time
-import unicodedata
+"""advzorv-report on a benchmark series and on documents made here (30 long keys, an empty
+chart, builds that all failed, odd keys): the terminal report, its colours, the HTML page in a
+browser. Usage: report_test.py ADVZORV ADVZORV_REPORT PLAY_SERIES [CHROMIUM NODE]
+Set ADVZORV_SCREENSHOTS to a directory to keep screenshots of the pages."""
+import json, os, shlex, subprocess, sys, tempfile, time, unicodedata
 import xml.etree.ElementTree as ET
 
-advzorv, report, play_series = map(os.path.abspath, sys.argv[1:4])
+from report_checks import CURRENT, STAMP, advzorv, bars_of, check, finish, meaning, report, run, \
+    write_documents
+
 chromium, node = (sys.argv[4:6] + ["", ""])[:2]
 here = os.path.dirname(os.path.abspath(__file__))
-STAMP = 0x6900a1b2
 STAMP_TEXT = time.strftime("%Y-%m-%d %H:%M:%S UTC", time.gmtime(STAMP))  # the report runs in UTC
-failures = []
+HEAD = ["Advice document written:  " + STAMP_TEXT, "Results document written: " + STAMP_TEXT, "",
+        "Current settings:", "  --opt_level      2", "  --opt_for_speed  2"]
+TUNED = ("advice #27011-D: Tunewise completed and best results were obtained with speed vs size "
+         "setting %s (--opt_for_speed=%s).")
 
 
-def check(ok, what):
-    if not ok:
-        failures.append(what)
-
-
-def run(*args, env=None, **kw):
-    return subprocess.run([report, *args], capture_output=True, text=True,
-                          env={**os.environ, "TZ": "UTC", **(env or {})}, **kw)
-
-
-def write_documents(work, bars, advice=()):
-    """An advice and a results document as advzorv writes them."""
-    os.makedirs(work, exist_ok=True)
-    entries = [("00000", "curr_setting", "", "",
-                "advice: Current optimization/debug settings:  --opt_level=2  --opt_for_speed=2"),
-               *advice]
-    with open(os.path.join(work, "advice.xml"), "w") as f:
-        f.write("<body><version>1</version><timestamp>%#x</timestamp>" % STAMP)
-        for code, kind, opt, value, text in entries:
-            f.write('<advice diag_code="%s" advice_type="%s" option="%s" value="%s">%s</advice>'
-                    % (code, kind, opt, value, text))
-        f.write("</body>")
-    chart = ET.Element("chart", option="--opt_for_speed", title="Vary Size vs Speed Setting",
-                       valueLabel="Code Size (bytes)")
-    for key, value, color in bars:
-        ET.SubElement(chart, "bar", option_value=key, value=str(value), color=color)
-    with open(os.path.join(work, "perf_results.xml"), "w") as f:
-        f.write("<body><version>1</version><timestamp>%#x</timestamp>%s</body>"
-                % (STAMP, ET.tostring(chart, encoding="unicode")))
+def tuned(value):
+    return ("27011", "build_results", "--opt_for_speed", value, TUNED % (value, value))
 
 
 def numeric_order(bars):
     numeric = all(k.lstrip("+-").replace(".", "", 1).isdigit() for k, _, _ in bars)
     bars = sorted(bars, key=lambda b: b[0].encode())
     return sorted(bars, key=lambda b: float(b[0])) if numeric else bars
-
-
-def meaning(color):
-    return {"green": "best", "red": "error"}.get(color, "other")
-
-
-def check_chart_lines(work, bars, tail):
-    done = run("advice.xml", "perf_results.xml", cwd=work, env={"COLUMNS": "80"})
-    check(done.returncode == 0 and "\x1b" not in done.stdout, "plain report: " + done.stderr)
-    lines = done.stdout.splitlines()
-    check(lines[:6] == ["Advice document written:  " + STAMP_TEXT, "Results document written: "
-                        + STAMP_TEXT, "", "Current settings:", "  --opt_level      2",
-                        "  --opt_for_speed  2"], "head of the report: %s" % lines[:6])
-    largest = max([value for _, value, _ in bars] or [0])
-    width = max([len(key) for key, _, _ in bars] or [0])
-    expected = ["  %s%s  %-40s %10d  %s" % (key, " " * (width - len(key)), "#" *
-                (value * 40 // largest), value, meaning(color))
-                for key, value, color in numeric_order(bars)]
-    check(lines[-len(expected) - len(tail):] == expected + tail,
-          "chart of %s:\n%s" % (bars, done.stdout))
 
 
 def check_terminal(work):
@@ -92,9 +38,17 @@ def check_terminal(work):
         ([("1", 20, "red"), ("3", 40, "red")],
          ["  Every build of this series linked with errors, so none is the best.", best]),
     ]
-    for n, (bars, tail) in enumerate(cases):
-        write_documents(os.path.join(work, str(n)), bars)
-        check_chart_lines(os.path.join(work, str(n)), bars, tail)
+    for bars, tail in cases:
+        write_documents(work, bars)
+        done = run("advice.xml", "perf_results.xml", cwd=work, env={"COLUMNS": "80"})
+        lines = done.stdout.splitlines()
+        width = max([len(k) for k, _, _ in bars], default=0)
+        largest = max([v for _, v, _ in bars], default=1)
+        expected = ["  %-*s  %-40s %10d  %s" % (width, k, "#" * (v * 40 // largest), v, meaning(c))
+                    for k, v, c in numeric_order(bars)]
+        check(done.returncode == 0 and "\x1b" not in done.stdout and lines[:6] == HEAD and
+              lines[-len(expected) - len(tail):] == expected + tail,
+              "report of %s:\n%s" % (bars, done.stdout))
 
     # Keys line up by the columns a terminal gives them, not by bytes.
     write_documents(work, [("é", 10, "yellow"), ("日本", 20, "green"), ("ab", 5, "yellow"),
@@ -105,14 +59,12 @@ def check_terminal(work):
     check(len(starts) == 1, "unaligned keys:\n" + "\n".join(shown))
 
     # Advice wraps at COLUMNS, between words only.
-    text = "advice #27011-D: Tunewise completed and best results were obtained with speed " \
-           "vs size setting 4 (--opt_for_speed=4)."
-    write_documents(work, [], [("27011", "build_results", "--opt_for_speed", "4", text)])
+    write_documents(work, [], [CURRENT, tuned("4")])
     for columns in ("30", "50", "200"):
         shown = run("advice.xml", "perf_results.xml", cwd=work, env={"COLUMNS": columns}).stdout
         block = shown.split("Advice:\n")[1].split("\n\n")[0].splitlines()
         check(max(map(len, block)) <= max(int(columns), 29) and
-              " ".join(" ".join(block).split()) == "27011 " + text +
+              " ".join(" ".join(block).split()) == "27011 " + TUNED % (4, 4) +
               " recommends --opt_for_speed=4", "advice at %s columns:\n%s" % (columns, shown))
 
 
@@ -132,89 +84,57 @@ def check_colour(work):
             command = ["script", "-qec", " ".join(map(shlex.quote, command)), "/dev/null"]
         shown = subprocess.run(command, cwd=work, capture_output=True, text=True,
                                env={**environment, **env}).stdout
-        check(("\x1b[32m" in shown) == coloured,
-              "colour %s with %s, terminal %s" % (option, env, terminal))
+        check(("\x1b[32m" in shown) == coloured, "colour: %s" % [option, env, terminal])
 
 
-def long_keys():
-    colors = ["yellow"] * 30
-    colors[7], colors[12], colors[21] = "red", "green", "red"
-    return [("build %02d with --opt_for_speed and a much longer name than a chart has room for"
-             % n, 20000 + 997 * n, colors[n]) for n in range(30)]
-
-
-def make_page(work, name):
-    page = os.path.join(work, name + ".xhtml")  # the browser parses it as XML
+def make_page(work, name, bars):
+    """The page (.xhtml: parsed as XML), well-formed, every bar in its data table in order."""
+    page = os.path.join(work, name + ".xhtml")
     done = run("--html", page, "advice.xml", "perf_results.xml", cwd=work)
-    check(done.returncode == 0, "--html failed: " + done.stderr)
     lint = subprocess.run(["xmllint", "--noout", page], capture_output=True, text=True)
-    check(lint.returncode == 0, "page is not well-formed XML: " + lint.stderr)
-    return page
-
-
-def check_data_table(page, bars):  # every bar, in the order the chart shows them
+    check(done.returncode == 0 and lint.returncode == 0, "--html: " + done.stderr + lint.stderr)
     x = "{http://www.w3.org/1999/xhtml}"
     tables = [t for t in ET.parse(page).iter(x + "table")
               if t.find(x + "caption").text.endswith("the bars as data")]
     rows = [[cell.text for cell in row] for t in tables for row in t.iter(x + "tr")][1:]
     check(rows == [[k, str(v), meaning(c)] for k, v, c in numeric_order(bars)],
           "data table of %s: %s" % (page, rows))
+    return page
 
 
 def check_pages(work, series_bars):
-    failed = [("27011", "build_results", "--opt_for_speed", "", "advice #27011-D: Tunewise "
-               "completed and best results were obtained with speed vs size setting  "
-               "(--opt_for_speed=).")]
-    made = {"example": make_page(work, "example")}
-    check_data_table(made["example"], series_bars)
-    made_here = {"long": (long_keys(), ()), "empty": ([], ()),
-                 "errors": ([("0", 900, "red"), ("1", 950, "red"), ("2", 990, "red")], failed)}
-    for name, (bars, advice) in made_here.items():
-        write_documents(os.path.join(work, name), bars, advice)
-        made[name] = make_page(os.path.join(work, name), name)
-        check_data_table(made[name], bars)
+    long_keys = [("build %02d" % n + " with a longer name than a chart has room for" * 2,
+                  20000 + 997 * n, {7: "red", 12: "green", 21: "red"}.get(n, "yellow"))
+                 for n in range(30)]
+    made = {"example": make_page(work, "example", series_bars)}
+    made_here = {"long": (long_keys,), "empty": ([],), "errors": (
+        [("0", 900, "red"), ("1", 950, "red"), ("2", 990, "red")], [CURRENT, tuned("")])}
+    for name, documents in made_here.items():
+        write_documents(os.path.join(work, name), *documents)
+        made[name] = make_page(os.path.join(work, name), name, documents[0])
     if not (chromium and node and os.path.isdir(os.path.join(here, "node_modules"))):
         print("no chromium, node or tests/report/node_modules: no browser checks (see setup.sh)")
         return
-    shots = os.environ.get("ADVZORV_SCREENSHOTS", "-")
-    done = subprocess.run([node, os.path.join(here, "browser_check.js"), chromium, shots,
-                           *made.values()], capture_output=True, text=True, timeout=600,
+    done = subprocess.run([node, os.path.join(here, "browser_check.js"), chromium, os.environ.get(
+                           "ADVZORV_SCREENSHOTS", "-"), *made.values()], capture_output=True,
+                          text=True, timeout=600,
                           env={**os.environ, "NODE_PATH": os.path.join(here, "node_modules")})
     check(done.returncode == 0, "browser check: " + done.stderr)
     results = json.loads(done.stdout or "{}")
     for name, page in made.items():
-        for width, found in results.get(page, {}).items():
-            what = "%s at %s px: " % (name, width)
-            for finding in ("violations", "outside", "low_contrast"):  # axe-core, layout, fills
-                check(found[finding] == [], what + "%s %s" % (finding, found[finding]))
-            check(found["shortened"] in (None, {"full_on_focus": True}), what + "focused key")
         check(len(results.get(page, {})) == 2, "no browser results for " + name)
+        for width, found in results.get(page, {}).items():  # axe-core, layout, fills, focused key
+            check([found[f] for f in ("violations", "outside", "low_contrast")] == [[], [], []] and
+                  found["shortened"] in (None, {"full_on_focus": True}),
+                  "%s at %s px: %s" % (name, width, found))
     check(results[made["long"]]["360"]["shortened"] is not None, "long keys are not shortened")
 
 
-def check_bad_documents(work):
-    with open(os.path.join(work, "broken.xml"), "w") as f:
-        f.write("<body><version>1</version")
-    cases = [
-        (["missing.xml", "perf_results.xml"], "missing.xml: No such file or directory"),
-        (["advice.xml", "broken.xml"], "broken.xml is not an advzorv results document"),
-        (["advice.xml"], "expects two documents"),
-    ]
-    for args, message in cases:
-        done = run(*args, cwd=work)
-        check(done.returncode == 2 and message in done.stderr and not done.stdout,
-              "%s: status %d, %r" % (args, done.returncode, done.stderr))
-
-
 with tempfile.TemporaryDirectory(prefix="advzorv-report-") as work:
-    subprocess.run(["bash", play_series, advzorv, work], check=True, capture_output=True)
-    chart = ET.parse(os.path.join(work, "perf_results.xml")).find("chart")
-    bars = [(b.get("option_value"), int(b.get("value")), b.get("color")) for b in chart]
+    subprocess.run(["bash", sys.argv[3], advzorv, work], check=True, capture_output=True)
+    bars = bars_of(os.path.join(work, "perf_results.xml"))
     check(len(bars) == 6 and any(c == "green" for _, _, c in bars), "series: %s" % bars)
     check_colour(work)
     check_pages(work, bars)
-    check_bad_documents(work)
     check_terminal(os.path.join(work, "made"))
-
-print("\n".join(failures) or "ok")
-sys.exit(1 if failures else 0)
+finish()
