@@ -7,11 +7,12 @@ usage: scripts/mutate.py [--seed N] [--count N] [--changed BASE] [--timeout S]
 Draws a seeded random sample of lines in ADVICE_PERF/, options/, DIAG/, UTIL/
 and the generators (tools/*.py): lines that the suite runs, measured once in a
 --coverage build (build-mutate-cov/), or with --changed BASE the lines that
-the work tree adds there since it parted from BASE.  On each line it applies one mutant, picked at
-random from the operators below, rebuilds build-mutate/ (release flags, no
-sanitizers) incrementally, runs the CTest suite with a per-test timeout until
-the first failure, and puts the line back (also on Ctrl-C or SIGTERM; a run
-killed outright leaves a journal that the next run restores first).
+the work tree adds there since it parted from BASE.  On each line it applies
+one mutant, picked at random from the operators below, rebuilds build-mutate/
+(release flags with LeakSanitizer, so that a dropped free fails its test as in
+the sanitizer build) incrementally, runs the CTest suite with a per-test
+timeout until the first failure, and puts the line back (also on Ctrl-C or
+SIGTERM; a run killed outright leaves a journal that the next run restores first).
 
 A mutant is
   killed        when a test fails or times out, or the build of a generator's
@@ -628,7 +629,8 @@ def main():
             say("%s:%d: [%s] %s \u2192 %s" % (path, number, op, original.strip(),
                                               mutated.strip()))
         return
-    build.configure(["-DCMAKE_CXX_FLAGS_RELEASE=-O2 -DNDEBUG"])
+    build.configure(["-DCMAKE_CXX_FLAGS_RELEASE=-O2 -DNDEBUG -fsanitize=leak",
+                     "-DCMAKE_EXE_LINKER_FLAGS=-fsanitize=leak"])
     status, out = build.build()
     if status != 0:
         die("the build fails without mutants:\n" + out[-3000:])

@@ -88,7 +88,8 @@ def concurrent_appends_all_count(p, check):
     """40 runs at once; 30 where the directory can't be opened for reading and
     30 where flock fails (ENOLCK, as on a network file system)."""
     # LeakSanitizer can't work in a traced process.
-    no_flock = ("env", f"ASAN_OPTIONS={os.environ.get('ASAN_OPTIONS', '')}:detect_leaks=0", "strace",
+    no_flock = ("env", f"ASAN_OPTIONS={os.environ.get('ASAN_OPTIONS', '')}:detect_leaks=0",
+                f"LSAN_OPTIONS={os.environ.get('LSAN_OPTIONS', '')}:detect_leaks=0", "strace",
                 "-o", "/dev/null", "-e", "trace=flock", "-e", "inject=flock:error=ENOLCK")
     for where, runs, mode, preexec, wrapper in (
             ("lockable", 40, 0o777, None, ()),

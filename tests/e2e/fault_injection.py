@@ -48,7 +48,8 @@ class Runs:
         os.chmod(self.work, 0o555 if self.in_place else 0o755)
         done = subprocess.run(["strace", "-o", "/dev/null", *self.user, *strace_options, self.binary,
                                *ARGS, "--benchmark:event=append", "--benchmark:option_value=new"],
-                              cwd=self.work, stdin=subprocess.DEVNULL, capture_output=True, timeout=30)
+                              cwd=self.work, stdin=subprocess.DEVNULL, capture_output=True, timeout=30,
+                              env=dict(os.environ, LSAN_OPTIONS="detect_leaks=0"))
         return done.returncode, done.stderr
 
     def calls(self):
