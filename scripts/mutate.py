@@ -1,13 +1,14 @@
 #!/usr/bin/env python3
 """Mutation testing: how many single-line faults does the test suite notice?
 
-usage: scripts/mutate.py [--seed N] [--count N] [--changed BASE] [--timeout S]
-                         [--jobs N] [--list]
+usage: scripts/mutate.py [--seed N] [--count N] [--changed BASE] [--only PREFIX]
+                         [--timeout S] [--jobs N] [--list]
 
 Draws a seeded random sample of lines in ADVICE_PERF/, options/, DIAG/, UTIL/
 and the generators (tools/*.py): lines that the suite runs, measured once in a
 --coverage build (build-mutate-cov/), or with --changed BASE the lines that
-the work tree adds there since it parted from BASE.  On each line it applies
+the work tree adds there since it parted from BASE; --only narrows either to
+the paths that start with PREFIX.  On each line it applies
 one mutant, picked at random from the operators below, rebuilds build-mutate/
 (release flags with LeakSanitizer, so that a dropped free fails its test as in
 the sanitizer build) incrementally, runs the CTest suite with a per-test
@@ -611,6 +612,8 @@ def main():
     parser.add_argument("--seed", type=int, default=1)
     parser.add_argument("--count", type=int, default=150, help="mutants to try")
     parser.add_argument("--changed", metavar="BASE", help="sample the lines changed since BASE")
+    parser.add_argument("--only", metavar="PREFIX", action="append",
+                        help="sample only files whose path starts with PREFIX (repeatable)")
     parser.add_argument("--timeout", type=int, default=60, help="seconds per test")
     parser.add_argument("--jobs", type=int, default=2)
     parser.add_argument("--build-dir", default="build-mutate")
@@ -623,6 +626,8 @@ def main():
     tree = Tree(os.path.join(build.dir, "mutate-journal.json"))
     table = coverage(args)
     lines = changed_lines(args.changed) if args.changed else table
+    if args.only:
+        lines = {p: l for p, l in lines.items() if p.startswith(tuple(args.only))}
     mutants = sample(lines, args.seed, args.count)
     if args.list:
         for path, number, op, original, mutated in mutants:
