@@ -253,7 +253,9 @@ class Build:
         self.dir = os.path.join(ROOT, args.build_dir)
         self.jobs = args.jobs
         self.timeout = args.timeout
-        self.env = dict(os.environ, CCACHE_DIR=os.path.join(self.dir, "ccache"))
+        # Out of memory is a null pointer, as the tests that exhaust memory expect.
+        self.env = dict(os.environ, CCACHE_DIR=os.path.join(self.dir, "ccache"),
+                        LSAN_OPTIONS="allocator_may_return_null=1")
 
     def configure(self, extra=()):
         if os.path.exists(os.path.join(self.dir, "build.ninja")):
