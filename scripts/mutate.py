@@ -204,14 +204,20 @@ def deletion(line, stripped, python):
 
 def run(cmd, timeout=None, env=None, cwd=ROOT, errors=subprocess.STDOUT):
     """Runs CMD; returns (status, its output and, unless ERRORS says otherwise, its
-    error output); a timeout gives status None."""
-    try:
-        done = subprocess.run(cmd, cwd=cwd, env=env, timeout=timeout, stdout=subprocess.PIPE,
-                              stderr=errors, text=True, errors="replace")
-        return done.returncode, done.stdout
-    except subprocess.TimeoutExpired as err:
-        out = err.stdout or b""
-        return None, out.decode(errors="replace") if isinstance(out, bytes) else out
+    error output); a timeout kills CMD's whole process group and gives status None, so a
+    mutant that hangs in a grandchild leaves nothing running."""
+    with subprocess.Popen(cmd, cwd=cwd, env=env, stdout=subprocess.PIPE, stderr=errors,
+                          text=True, errors="replace", start_new_session=True) as proc:
+        try:
+            out, _ = proc.communicate(timeout=timeout)
+            return proc.returncode, out
+        except subprocess.TimeoutExpired:
+            os.killpg(proc.pid, signal.SIGKILL)
+            out, _ = proc.communicate()
+            return None, out
+        except BaseException:
+            os.killpg(proc.pid, signal.SIGKILL)
+            raise
 
 
 def say(*parts):
