@@ -125,15 +125,13 @@ def check_outcomes():
             run = start(work, args, env)
             out, err = run.communicate(timeout=120)
             check(run.returncode == status, "%s: status %d\n%s" % (name, run.returncode, err))
-            for message in messages:
-                check(message in err, "%s: no %r in\n%s" % (name, message, err))
+            check(all(m in err for m in messages), "%s: %r? stderr:\n%s" % (name, messages, err))
             check(chart(work) == bars, "%s: chart %s" % (name, chart(work)))
             option = {"-O": "--opt_level"}.get(args[0][len("--option="):], "--opt_for_speed")
             check(builds(work) == [record_line(v, option) for v in values],
                   "%s: builds %s" % (name, builds(work)))
             check(recommended(work) == advice, "%s: advice %s" % (name, recommended(work)))
-            for text in shown:
-                check(text in out, "%s: no %r in the report\n%s" % (name, text, out))
+            check(all(t in out for t in shown), "%s: %r? stdout:\n%s" % (name, shown, out))
             check_exports(name, work, args)
             check_documents_valid(name, work)
 
