@@ -2,17 +2,7 @@
 """Whole runs that must never lose or corrupt the two documents (shared, stopped,
 odd or unreadable), and a command file too large for a case directory.
 Usage: document_safety.py ADVZORV CASES_DIR"""
-import os
-import random
-import re
-import resource
-import shutil
-import signal
-import stat
-import subprocess
-import sys
-import tempfile
-import time
+import os, pathlib, random, re, resource, shutil, signal, stat, subprocess, sys, tempfile, time
 
 TEMP_FILE = re.compile(r"^\..*\.advzorv-new(\.[0-9]+(-[0-9]+)?)?$")
 
@@ -43,12 +33,10 @@ class Project:
         return proc.returncode, err
 
     def read(self, name):
-        with open(os.path.join(self.work, name), "rb") as f:
-            return f.read()
+        return pathlib.Path(self.work, name).read_bytes()
 
     def write(self, name, content):
-        with open(os.path.join(self.work, name), "wb") as f:
-            f.write(content)
+        pathlib.Path(self.work, name).write_bytes(content)
 
     def bars(self, docs=""):
         return self.read(docs + "perf.xml").count(b"<bar ")
@@ -188,7 +176,7 @@ def main():
                 if not ok:
                     failures.append(f"{name}: {message}")
             test(Project(binary, cases, work), check)
-    print("\n".join(failures) if failures else "ok")
+    print("\n".join(failures) or "ok")
     return 1 if failures else 0
 
 

@@ -22,30 +22,19 @@ With a third argument, a folder of XML Schemas, each document that the run wrote
 (named by --advice_file= or --benchmarks_file=) must also validate against its
 schema there.
 """
-import os
-import re
-import shutil
-import signal
-import subprocess
-import sys
-import tempfile
-import time
+import os, pathlib, re, shutil, signal, subprocess, sys, tempfile, time
 
 
 def read(path):
-    with open(path, "rb") as f:
-        return f.read().decode("utf-8", "replace")
+    return pathlib.Path(path).read_bytes().decode("utf-8", "replace")
 
 
 def compare_stream(case, name, actual, failures):
     exact = os.path.join(case, "expected", name)
-    pattern = exact + ".re"
-    if os.path.exists(pattern):
-        if not re.fullmatch(read(pattern), actual, re.DOTALL):
-            failures.append(f"{name} does not match {pattern}:\n{actual}")
-        return
-    expected = read(exact) if os.path.exists(exact) else ""
-    if actual != expected:
+    if os.path.exists(exact + ".re"):
+        if not re.fullmatch(read(exact + ".re"), actual, re.DOTALL):
+            failures.append(f"{name} does not match {exact}.re:\n{actual}")
+    elif actual != (expected := read(exact) if os.path.exists(exact) else ""):
         failures.append(f"{name} differs.\n--- expected\n{expected}--- actual\n{actual}---")
 
 
@@ -74,9 +63,8 @@ def check_schemas(schema_dir, before, after, failures):
     for path, (schema, text) in after.items():
         if text is None or text == before[path][1]:
             continue  # not written by the run
-        check = subprocess.run(["xmllint", "--noout", "--schema",
-                                os.path.join(schema_dir, schema), path],
-                               capture_output=True, text=True)
+        check = subprocess.run(["xmllint", "--noout", "--schema", os.path.join(schema_dir, schema),
+                                path], capture_output=True, text=True)
         if check.returncode != 0:
             failures.append(f"{os.path.basename(path)} breaks {schema}:\n{check.stderr}")
 
@@ -112,12 +100,8 @@ def main():
     args = read(args_file).splitlines() if os.path.exists(args_file) else []
     failures = []
     with tempfile.TemporaryDirectory(prefix="advzorv-e2e-") as tmp:
-        work = os.path.join(tmp, "work")
-        inputs = os.path.join(case, "input")
-        if os.path.isdir(inputs):
-            shutil.copytree(inputs, work)
-        else:
-            os.mkdir(work)
+        work, inputs = os.path.join(tmp, "work"), os.path.join(case, "input")
+        shutil.copytree(inputs, work) if os.path.isdir(inputs) else os.mkdir(work)
         before = documents_of(args, work)
         signal_file = os.path.join(case, "signal")
         if os.path.exists(signal_file):
@@ -126,10 +110,9 @@ def main():
             done = subprocess.run(["advzorv", *args], executable=binary, cwd=work,
                                   stdin=subprocess.DEVNULL, capture_output=True, timeout=60)
             status, out, err = done.returncode, done.stdout, done.stderr
-        status &= 0xFF
         expected_status = int(read(os.path.join(case, "expected", "status")).strip()) & 0xFF
-        if status != expected_status:
-            failures.append(f"exit status {status}, expected {expected_status}")
+        if status & 0xFF != expected_status:
+            failures.append(f"exit status {status & 0xFF}, expected {expected_status}")
         compare_stream(case, "stdout", out.decode("utf-8", "replace"), failures)
         compare_stream(case, "stderr", err.decode("utf-8", "replace"), failures)
         if len(sys.argv) > 3:
@@ -143,12 +126,9 @@ def main():
                     failures.append(f"{rel} was not written")
                 elif not matches_document(read(os.path.join(root, name)), read(produced)):
                     failures.append(f"{rel} differs:\n{read(produced)}")
-    if failures:
-        print(f"FAIL {os.path.basename(case)}")
-        print("\n".join(failures))
-        return 1
-    print(f"ok {os.path.basename(case)}")
-    return 0
+    print("\n".join([f"FAIL {os.path.basename(case)}", *failures]) if failures else
+          f"ok {os.path.basename(case)}")
+    return 1 if failures else 0
 
 
 if __name__ == "__main__":

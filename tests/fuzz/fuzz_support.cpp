@@ -1,13 +1,17 @@
 #include "tests/fuzz/fuzz_support.h"
 
 #include <unistd.h>
+
 #include <cstdio>
+#include <cstdlib>
 #include <exception>
 #include <fstream>
 #include <sstream>
+#include <utility>
 
 #include "ADVICE_PERF/driver.h"
 #include "DIAG/diag.h"
+#include "UTIL/cmdfile.h"
 #include "UTIL/process_end.h"
 #include "options/optobj.h"
 #include "options/optobj_shell.h"
@@ -16,6 +20,16 @@ namespace {
 [[noreturn]] void throw_ending(int status) {
   throw run_ended{status};
 }
+
+FILE* stream = nullptr;
+char* token = nullptr;  // the last word read; freed at the next read
+
+const char* next_token() {
+  std::free(std::exchange(token, nullptr));
+  token = fnextopt(stream);
+  return token;
+}
+
 }  // namespace
 
 void begin_input() {
@@ -53,4 +67,23 @@ std::string file_text(const char* path) {
   std::ostringstream text;
   text << std::ifstream(path, std::ios::binary).rdbuf();
   return text.str();
+}
+
+bool scan_tokens(const uint8_t* data, size_t size, const char* (**next_arg)(),
+                 bool (*scan)(const char* option)) {
+  if (size == 0) return true;
+  begin_input();
+  stream = fmemopen(const_cast<uint8_t*>(data), size, "r");
+  *next_arg = next_token;
+  bool completed = true;
+  try {
+    while (const char* word = next_token())
+      if (word[0] == '-') scan(word + 1);
+  } catch (const run_ended&) {
+    // the run ended on a bad argument, help or an unterminated quote
+    completed = false;
+  }
+  std::free(std::exchange(token, nullptr));
+  std::fclose(stream);
+  return completed;
 }

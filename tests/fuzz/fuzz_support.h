@@ -1,6 +1,6 @@
 #pragma once
 // What the harnesses share: the libFuzzer entry point, an ending of the
-// process that throws instead of exiting, and the input as a file.
+// process that throws instead of exiting, the input as a file or as tokens.
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -35,3 +35,9 @@ void read_input(const uint8_t* data, size_t size,
 
 // The whole text of a file; empty when it can't be read.
 std::string file_text(const char* path);
+
+// The option scanners' input is a command file: hands each of its words starting with '-' to
+// scan (without the '-') while the stream is open, from which the option family's next_arg
+// also reads. False when the run ended before the last word.
+bool scan_tokens(const uint8_t* data, size_t size, const char* (**next_arg)(),
+                 bool (*scan)(const char* option));

@@ -4,7 +4,6 @@
 
 #include "options/optobj_shell.h"
 #include "tests/fuzz/fuzz_support.h"
-#include "tests/fuzz/option_tokens.h"
 
 namespace {
 std::unique_ptr<option_obj_shell> options;

@@ -3,7 +3,6 @@
 
 #include "options/optobj.h"
 #include "tests/fuzz/fuzz_support.h"
-#include "tests/fuzz/option_tokens.h"
 
 namespace {
 std::unique_ptr<option_obj> options;

@@ -1,21 +1,11 @@
 #!/usr/bin/env python3
-"""Installs the build into a temporary prefix and packs it as a Debian package;
-both must hold the programs, man pages, schemas (XML and JSON), copyright file
-and changelog. The installed advzorv-series plays a benchmark series with the
-installed advzorv beside it; its documents must validate against the installed
-schemas and be readable by the installed advzorv-report; the man page must list
-the options --help lists. With LINTIAN, lintian must find nothing to report on
-the package, not even a pedantic or informational tag.
-
-Usage: install_test.py BUILD_DIR PLAY_SERIES [LINTIAN]
-"""
-import glob
-import gzip
-import os
-import re
-import subprocess
-import sys
-import tempfile
+"""Installs the build into a temporary prefix and packs it as a Debian package; both must hold
+the programs, man pages, schemas, copyright file and changelog. The installed advzorv-series
+plays a series with the installed advzorv; its documents must validate against the installed
+schemas and be readable by the installed advzorv-report; the man page must list the options
+--help lists. With LINTIAN, lintian must find nothing, not even a pedantic or informational tag.
+Usage: install_test.py BUILD_DIR PLAY_SERIES [LINTIAN]"""
+import glob, gzip, os, re, subprocess, sys, tempfile
 
 build, play_series = map(os.path.abspath, sys.argv[1:3])
 lintian = sys.argv[3] if len(sys.argv) > 3 else ""
@@ -28,11 +18,15 @@ FILES = {"bin/advzorv", "bin/advzorv-report", "bin/advzorv-series",
 failures = []
 
 
+def check(ok, what):
+    if not ok:
+        failures.append(what)
+
+
 def run(*args, **kw):
     done = subprocess.run(args, capture_output=True, text=True, **kw)
-    if done.returncode != 0:
-        failures.append("%s: status %d\n%s%s" % (" ".join(args), done.returncode, done.stdout,
-                                                 done.stderr))
+    check(done.returncode == 0, "%s: status %d\n%s%s" % (" ".join(args), done.returncode,
+                                                          done.stdout, done.stderr))
     return done.stdout
 
 
@@ -45,8 +39,7 @@ with tempfile.TemporaryDirectory(prefix="advzorv-install-") as tmp:
     run("cmake", "--install", build, "--prefix", prefix)
     installed = {os.path.relpath(os.path.join(root, name), prefix)
                  for root, _, names in os.walk(prefix) for name in names}
-    if installed != FILES:
-        failures.append("installed %s" % sorted(installed))
+    check(installed == FILES, "installed %s" % sorted(installed))
 
     work = os.path.join(tmp, "series")
     environment = {k: v for k, v in os.environ.items() if k != "ADVZORV_SERIES"}
@@ -68,9 +61,9 @@ with tempfile.TemporaryDirectory(prefix="advzorv-install-") as tmp:
     listed = [line for line in shown.splitlines() if line.startswith("  -")]
     with gzip.open(os.path.join(prefix, "share/man/man1/advzorv.1.gz"), "rt") as page:
         options = page.read().split(".SH OPTIONS")[1].split(".SH")[0].replace("\\-", "-")
-    if long_options("\n".join(listed)) != long_options(re.sub(r"^[^\\].*$", "", options,
-                                                              flags=re.M)):
-        failures.append("man page OPTIONS differ from --help:\n" + options)
+    check(long_options("\n".join(listed)) == long_options(re.sub(r"^[^\\].*$", "", options,
+                                                                  flags=re.M)),
+          "man page OPTIONS differ from --help:\n" + options)
 
     run("cpack", "-G", "DEB", "--config", os.path.join(build, "CPackConfig.cmake"), "-B",
         os.path.join(tmp, "deb"))
@@ -78,11 +71,9 @@ with tempfile.TemporaryDirectory(prefix="advzorv-install-") as tmp:
     contents = run("dpkg-deb", "-c", *packages[:1]) if packages else ""
     packed = {line.split()[-1][len("./usr/"):] for line in contents.splitlines()
               if not line.startswith("d")}
-    if packed != FILES:
-        failures.append("the Debian package holds %s" % sorted(packed))
+    check(packed == FILES, "the Debian package holds %s" % sorted(packed))
     tags = run(lintian, "--pedantic", "--display-info", *packages[:1]) if lintian else ""
-    if tags.strip():
-        failures.append("lintian:\n" + tags)
+    check(not tags.strip(), "lintian:\n" + tags)
 
 print("\n".join(failures) or "ok")
 sys.exit(1 if failures else 0)

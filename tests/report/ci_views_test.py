@@ -95,16 +95,15 @@ def check_sizes():
                             "--linker_options_file=options.cmd", "--benchmark:option_value=1",
                             "--benchmark:option=--opt_for_speed"], capture_output=True)
         bar = ET.parse("perf_results.xml").find("chart/bar")
+        bar = -1 if bar is None else int(bar.get("value"))
         done = run("sizes", "--json", "link_info.xml")
         got = json.loads(done.stdout) if done.returncode == 0 else {}
         check_valid("sizes", got, name)
-        bar = -1 if bar is None else int(bar.get("value"))
         check(got.get("code_size") == bar, "%s: sum %s, bar %s" % (name, got.get("code_size"), bar))
         groups = got.get("groups", [])
-        kinds = {g["id"]: g["why_not"] for g in groups}
+        kinds, sizes = {g["id"]: g["why_not"] for g in groups}, [g["size"] for g in groups]
         check({None, "debug", "uninitialized"} <= set(kinds.values()) if reasons is None
               else kinds == reasons, "%s: reasons %s" % (name, groups))
-        sizes = [g["size"] for g in groups]
         check(sizes == sorted(sizes, reverse=True) and sum(g["size"] for g in groups if g["counts"])
               % 2**32 == got.get("code_size"), name + ": not by size or not adding up: %s" % groups)
 

@@ -1,18 +1,11 @@
 #!/bin/sh
-# A build for the series tests. In the current directory it writes the command
-# file options.cmd and link information linked now whose code size grows with
-# VALUE ("off" is the smallest), unless the environment names VALUE for
-# another outcome:
-#   FAKE_FAIL     prints a line and exits with status 2
-#   FAKE_STALE    leaves the link file as it was
-#   FAKE_OLD      writes link information linked at 0x10
-#   FAKE_GARBAGE  writes a link file that isn't XML
-#   FAKE_EMPTY    writes link information with nothing to count
-#   FAKE_RED      links with an error
-#   FAKE_SLEEP    first writes its process id to fake_build.pid and sleeps
-# FAKE_OPTIONS, when set, stands in options.cmd for the setting of the build.
-# Each run appends its arguments and the ADVZORV_ variables to fake_build.record.
-# Usage: fake_build.sh VALUE [WORD...]
+# A build for the series tests: writes options.cmd and link_info.xml, linked now, whose code
+# size grows with VALUE ("off" the smallest), unless a FAKE_ variable names VALUE:
+# FAKE_FAIL exits with status 2, FAKE_STALE leaves the link file, FAKE_OLD links at 0x10,
+# FAKE_GARBAGE writes no XML, FAKE_EMPTY nothing to count, FAKE_RED a link error, FAKE_SLEEP
+# writes its pid to fake_build.pid and sleeps first. FAKE_OPTIONS stands in options.cmd for
+# the build's setting. Each run appends its arguments and the ADVZORV_ variables to
+# fake_build.record. Usage: fake_build.sh VALUE [WORD...]
 value=$1
 echo "$*|$ADVZORV_VALUE|$ADVZORV_OPTION|$ADVZORV_SETTING" >> fake_build.record
 if [ "$value" = "$FAKE_SLEEP" ]; then
@@ -29,10 +22,8 @@ if [ "$value" = "$FAKE_GARBAGE" ]; then
     exit 0
 fi
 echo "--opt_level=2 ${FAKE_OPTIONS:-$ADVZORV_SETTING}" > options.cmd
-case $value in
-    off) size=$(printf '0x%x' 20000) ;;
-    *) size=$(printf '0x%x' $((21000 + 1000 * value))) ;;
-esac
+[ "$value" = off ] && n=-1 || n=$value
+size=$(printf '0x%x' $((21000 + 1000 * n)))
 time=$(printf '0x%x' "$(date +%s)")
 [ "$value" = "$FAKE_OLD" ] && time=0x10
 errors=0
