@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "UTIL/filename.h"
@@ -71,6 +72,10 @@ TEST_F(RunCommand, TheChildsEndIsTheResultAndTheSearchPathIsTriedFirst) {
             "exec() error spawning " + missing + ": No such file or directory\n");
   EXPECT_EXIT(run("/bin/sh", {"-c", "kill -TERM $$"}, nullptr, 0, true),
               testing::KilledBySignal(SIGTERM), "abnormal termination of /bin/sh");
+  timing_info busy{};  // a busy child's own times
+  EXPECT_EQ(run("/bin/sh", {"-c", "i=0; while [ $i -lt 50000 ]; do i=$((i+1)); done; dd bs=1 "
+                "count=300000 if=/dev/zero of=/dev/null 2>/dev/null"}, nullptr, 0, false, &busy), 0);
+  EXPECT_TRUE(busy.real_time > 0 && busy.user_time > 0 && busy.system_time > 0);
 
   set_execution_path_to_search_path(recorder.data());
   EXPECT_EQ(run("recorder", {"x"}), 0);
@@ -112,10 +117,16 @@ TEST_F(RunCommand, LongLinesGoThroughAQuotedCommandFile) {
 
   argv_list list(recorder.c_str(), "-@", 0);
   list.args = args;
-  EXPECT_EQ(capture_output(stdout, [&] { EXPECT_EQ(list.execute(false, nullptr), 0); }), "");
+  EXPECT_EQ(capture_output(stdout, [&] { EXPECT_EQ(list.execute(true, nullptr), 0); }), "");
   const std::string quoted = "\"/some/path\\\\x\"\n--\"opt=1\"\n\"1ab\"\n" + args[3] + "\n";
   EXPECT_EQ(cmdfile(), quoted);
   EXPECT_FALSE(fn_exists(seen().substr(2, seen().size() - 3).c_str()));
+  // Quoting notes what it quotes or escapes; without it only a long line counts.
+  for (auto [arg, quote, noted] :
+       {std::tuple{"plain", true, 0}, {"a b", true, 1}, {"x\"y", true, 1}, {"a b", false, 0}}) {
+    char* one[] = {const_cast<char*>(arg)};
+    EXPECT_EQ(quote_arguments(1, one, nullptr, quote), noted) << arg;
+  }
 
   char sample[512];
   const std::string fitting(4095 - strlen(fn_tmpnam(sample, nullptr, nullptr)), 'o');

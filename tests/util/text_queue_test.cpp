@@ -16,7 +16,10 @@ std::string listing(int width, sort_method sort, const entries& queued, int colu
   init_queue("T", width, sort);
   for (const auto& [key, text] : queued)
     queueup(key, text.c_str(), 0);
-  return capture_output(stdout, [&] { EXPECT_EQ(print_queue(columnation, sort_by_key, 0), 1); });
+  return capture_output(stdout, [&] {
+    EXPECT_EQ(print_queue(columnation, sort_by_key, 0), 1);
+    EXPECT_EQ(print_queue(columnation, sort_by_key, 0), 0);  // printing emptied it
+  });
 }
 
 TEST(TextQueue, SortOrdersAndColumns) {
@@ -30,14 +33,15 @@ TEST(TextQueue, SortOrdersAndColumns) {
   // A single entry falls back to one column.
   EXPECT_EQ(listing(4, sort_as_added, {{"-a", "a"}}, 2), "T\n  -a   A\n");
 
-  // Entries fit while text + width + 2 <= 37 and fill two rows, left column first,
+  // Entries fit while text + width + 2 <= 37 and fill rows, left column first,
   // in the order added; the wide one follows on a line of its own. The sign of the
   // width is ignored.
   const std::string fits = "t" + std::string(30, 'o'), wide = "w" + std::string(31, 'i');
   EXPECT_EQ(
-      listing(-4, sort_as_added, {{"-b", "one"}, {"-w", wide}, {"-a", fits}, {"-c", "three"}}, 2),
+      listing(-4, sort_as_added,
+              {{"-b", "one"}, {"-w", wide}, {"-a", fits}, {"-c", "three"}, {"-d", "four"}}, 2),
       "T\n  -b   One" + std::string(28, ' ') + "  -c   Three\n  -a   T" + std::string(30, 'o') +
-          "\n  -w   W" + std::string(31, 'i') + std::string(40, ' ') + "\n");
+          "  -d   Four\n  -w   W" + std::string(31, 'i') + std::string(40, ' ') + "\n");
 }
 
 std::string filled(const std::string& text, const std::string& padding) {
