@@ -69,6 +69,14 @@ TEST(FatalErrorDeathTest, EachSignalIsReportedOnceAndEndsWithStatusTwo) {
     EXPECT_EXIT(run(), testing::ExitedWithCode(2), stderr_text);
 }
 
+TEST(FatalError, TheSupportTextAsksForWhatTheToolReads) {
+  const std::string pp = "Include the .pp file created by option --preproc_with_comment\n\n";
+  const std::string linker = "Include all of the object files";
+  for (auto [name, closing] : {std::pair{"ZORVEX C/C++ Parser", pp}, {"Linker", linker},
+                               {"C/C++ Codegen", pp}, {"Linker 2", std::string("\n")}})
+    EXPECT_EQ(std::string(support_closing(name)).substr(0, closing.size()), closing) << name;
+}
+
 TEST(FatalError, SigstrnappendAppendsWhatFits) {
   char buf[12] = "ab";
   sigstrnappend(buf, sizeof buf, "%d-%s", 12, "cd");

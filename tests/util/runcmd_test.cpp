@@ -73,8 +73,9 @@ TEST_F(RunCommand, TheChildsEndIsTheResultAndTheSearchPathIsTriedFirst) {
   EXPECT_EXIT(run("/bin/sh", {"-c", "kill -TERM $$"}, nullptr, 0, true),
               testing::KilledBySignal(SIGTERM), "abnormal termination of /bin/sh");
   timing_info busy{};  // a busy child's own times
-  EXPECT_EQ(run("/bin/sh", {"-c", "i=0; while [ $i -lt 50000 ]; do i=$((i+1)); done; dd bs=1 "
-                "count=300000 if=/dev/zero of=/dev/null 2>/dev/null"}, nullptr, 0, false, &busy), 0);
+  const char* work = "i=0; while [ $i -lt 50000 ]; do i=$((i+1)); done; dd bs=1 count=300000 "
+                     "if=/dev/zero of=/dev/null 2>/dev/null";
+  EXPECT_EQ(run("/bin/sh", {"-c", work}, nullptr, 0, false, &busy), 0);
   EXPECT_TRUE(busy.real_time > 0 && busy.user_time > 0 && busy.system_time > 0);
 
   set_execution_path_to_search_path(recorder.data());
