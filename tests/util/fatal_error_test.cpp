@@ -1,5 +1,6 @@
 #include "UTIL/fatal_error.h"
 #include "UTIL/safemalloc.h"
+#include "UTIL/strcase.h"
 
 #include <gtest/gtest.h>
 
@@ -8,6 +9,7 @@
 #include <cstring>
 #include <functional>
 #include <string>
+#include <tuple>
 
 namespace {
 
@@ -94,6 +96,20 @@ TEST(FatalError, SigstrnappendAppendsWhatFits) {
   sigstrnappend(const_cast<char*>(not_a_text), 10, "%s", "lost");
   sigstrnappend(large, sizeof large, not_a_text);
   EXPECT_EQ(std::string(large), std::string(2 * 2047, 'y'));
+}
+
+TEST(StrCase, ComparisonsGiveTheFoldedDifferenceAndSearchesTheOffset) {
+  // n of 9 reaches the ends, so the whole texts compare the same.
+  for (auto [a, b, n, difference] : {std::tuple{"Abc", "aBC", 9u, 0}, {"abc", "AB", 9u, 'c'},
+                                     {"abX", "ABy", 2u, 0}, {"abX", "ABy", 3u, 'x' - 'y'},
+                                     {"a", "b", 0u, 0}}) {
+    EXPECT_EQ(strcaseincmp(a, b, n), difference) << a << " " << n;
+    EXPECT_TRUE(n != 9u || strcaseicmp(a, b) == difference) << a;
+  }
+  const char* text = "one Two two";
+  EXPECT_EQ(strcaseistr(text, "tWO"), text + 4);
+  EXPECT_EQ(strcaseistr(text, ""), text);
+  EXPECT_EQ(strcaseistr(text, "three"), nullptr);
 }
 
 TEST(SafeMallocDeathTest, ExhaustionEndsTheProcess) {

@@ -193,4 +193,16 @@ TEST(FileNamesDeathTest, TemporaryNameWithoutMemoryEndsTheProcess) {
               "^ERROR: cannot create temporary file name; out of memory\n$");
 }
 
+// In a directory whose names are too long for the system every try fails.
+TEST(FileNamesDeathTest, TemporaryNameThatCantBeCheckedEndsTheProcess) {
+  TempDir tmp;
+  std::string deep = tmp.path();
+  while (deep.size() < 4085)
+    deep += "/" + std::string(std::min<size_t>(200, 4084 - deep.size()), 'd');
+  ASSERT_TRUE(std::filesystem::create_directories(deep));
+  ScopedEnv tmpdir("TMPDIR", deep.c_str());
+  EXPECT_EXIT(fn_tmpnam(nullptr, nullptr, nullptr), testing::ExitedWithCode(1),
+              "^ERROR: cannot create temporary file name; check directory permissions\n$");
+}
+
 }  // namespace
