@@ -73,9 +73,8 @@ TEST(FatalErrorDeathTest, EachSignalIsReportedOnceAndEndsWithStatusTwo) {
 
 TEST(FatalError, TheSupportTextAsksForWhatTheToolReads) {
   const std::string pp = "Include the .pp file created by option --preproc_with_comment\n\n";
-  const std::string linker = "Include all of the object files";
-  for (auto [name, closing] : {std::pair{"ZORVEX C/C++ Parser", pp}, {"Linker", linker},
-                               {"C/C++ Codegen", pp}, {"Linker 2", std::string("\n")}})
+  for (auto [name, closing] : {std::pair{"ZORVEX C/C++ Parser", pp}, {"C/C++ Codegen", pp},
+                               {"Linker", "Include all of the object files"}, {"Linker 2", "\n"}})
     EXPECT_EQ(std::string(support_closing(name)).substr(0, closing.size()), closing) << name;
 }
 

