@@ -62,10 +62,8 @@ std::vector<std::string> line_of(bool longer) {
 // The child's exit status is the result; a child killed by a signal kills the
 // caller too. The search path is tried before PATH.
 TEST_F(RunCommand, TheChildsEndIsTheResultAndTheSearchPathIsTriedFirst) {
-  const std::string failure = capture_output(stdout, [] {
-    EXPECT_EQ(run("/bin/sh", {"-c", "exit 3"}, nullptr, 0, true), 3);
-  });
-  EXPECT_EQ(failure, "\n>> Compilation failure\n");
+  auto exit_3 = [] { EXPECT_EQ(run("/bin/sh", {"-c", "exit 3"}, nullptr, 0, true), 3); };
+  EXPECT_EQ(capture_output(stdout, exit_3), "\n>> Compilation failure\n");
   const std::string missing = tmp.file("no-such-program");
   EXPECT_EQ(capture_output(stderr, [&] { EXPECT_EQ(run(missing, {}, nullptr, 0, true), 1); }),
             "exec() error spawning " + missing + ": No such file or directory\n");
@@ -171,9 +169,8 @@ TEST_F(RunCommand, ArgvListsCollectFormatAndRunTheirArguments) {
   EXPECT_EQ(list.execute(false, &times), 0);
   EXPECT_EQ(seen(), "one\n" + long_arg + "\n");
   EXPECT_GE(times.real_time + times.user_time + times.system_time, 30);
-  EXPECT_EQ(list.del(), 1);
-  EXPECT_EQ(list.del(), 1);
-  EXPECT_EQ(list.del(), 0);
+  for (int removed : {1, 1, 0})
+    EXPECT_EQ(list.del(), removed);
 }
 
 }  // namespace
