@@ -9,7 +9,6 @@
 #include <cstring>
 #include <functional>
 #include <string>
-#include <tuple>
 
 namespace {
 
@@ -98,15 +97,14 @@ TEST(FatalError, SigstrnappendAppendsWhatFits) {
 }
 
 TEST(StrCase, ComparisonsGiveTheFoldedDifferenceAndSearchesTheOffset) {
-  // A limit of 9 reaches the ends, so the whole texts compare the same.
-  for (auto [a, b, n, difference] : {std::tuple{"Abc", "aBC", 9u, 0}, {"abc", "AB", 9u, 'c'},
-                                     {"abX", "ABy", 2u, 0}, {"abX", "ABy", 3u, 'x' - 'y'}}) {
-    EXPECT_EQ(strcaseincmp(a, b, n), difference) << a << " " << n;
-    EXPECT_TRUE(n != 9u || strcaseicmp(a, b) == difference) << a;
-  }
+  EXPECT_EQ(strcaseicmp("Abc", "aBC"), 0);
+  EXPECT_EQ(strcaseicmp("abc", "AB"), 'c');  // a shorter text's end counts as 0
+  EXPECT_EQ(strcaseincmp("abX", "ABy", 3), 'x' - 'y');
+  EXPECT_TRUE(strcaseincmp("abX", "ABy", 2) == 0 && strcaseincmp("Abc", "aBC", 9) == 0 &&
+              strcaseincmp("a", "b", 0) == 0);
   const char* text = "one Two two";
   EXPECT_TRUE(strcaseistr(text, "tWO") == text + 4 && strcaseistr(text, "") == text &&
-              strcaseistr(text, "three") == nullptr && strcaseincmp("a", "b", 0) == 0);
+              strcaseistr(text, "three") == nullptr);
 }
 
 TEST(SafeMallocDeathTest, ExhaustionEndsTheProcess) {

@@ -69,11 +69,11 @@ TEST_F(RunCommand, TheChildsEndIsTheResultAndTheSearchPathIsTriedFirst) {
             "exec() error spawning " + missing + ": No such file or directory\n");
   EXPECT_EXIT(run("/bin/sh", {"-c", "kill -TERM $$"}, nullptr, 0, true),
               testing::KilledBySignal(SIGTERM), "abnormal termination of /bin/sh");
-  timing_info busy{};  // a busy child's own times
+  timing_info busy{1, 1, 1};  // a busy child's own times, added
   const char* work = "i=0; while [ $i -lt 50000 ]; do i=$((i+1)); done; dd bs=1 count=300000 "
                      "if=/dev/zero of=/dev/null 2>/dev/null";
   EXPECT_EQ(run("/bin/sh", {"-c", work}, nullptr, 0, false, &busy), 0);
-  EXPECT_TRUE(busy.real_time > 0 && busy.user_time > 0 && busy.system_time > 0);
+  EXPECT_TRUE(busy.real_time > 1 && busy.user_time > 1 && busy.system_time > 1);
 
   set_execution_path_to_search_path(recorder.data());
   EXPECT_EQ(run("recorder", {"x"}), 0);
@@ -165,10 +165,8 @@ TEST_F(RunCommand, ArgvListsCollectFormatAndRunTheirArguments) {
   EXPECT_STREQ(list.getarg(1), long_arg.c_str());
   EXPECT_EQ(capture_output(stdout, [&] { list.dump("%s %d", "step", 1); }),
             "step 1: " + recorder + " one " + long_arg + " \n");
-  timing_info times{10, 10, 10};  // added to, not replaced
-  EXPECT_EQ(list.execute(false, &times), 0);
+  EXPECT_EQ(list.execute(false, nullptr), 0);
   EXPECT_EQ(seen(), "one\n" + long_arg + "\n");
-  EXPECT_GE(times.real_time + times.user_time + times.system_time, 30);
   for (int removed : {1, 1, 0})
     EXPECT_EQ(list.del(), removed);
 }
