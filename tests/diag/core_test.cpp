@@ -73,11 +73,9 @@ TEST_F(CoreTest, AllocCopiesFieldsAndPositionAndEqualityIgnoresArgumentsAndAppro
   other_args.set_src(&here_approx);
   moved.set_src(&next_line);
   other_row.set_src(&here);
-  EXPECT_TRUE(copy->is_equal(original.get()));
-  EXPECT_TRUE(copy->is_equal(&other_args));
-  EXPECT_FALSE(copy->is_equal(&moved));
+  EXPECT_TRUE(copy->is_equal(original.get()) && copy->is_equal(&other_args));
+  EXPECT_FALSE(copy->is_equal(&moved) || copy->is_equal(&other_row));
   EXPECT_FALSE(copy->srcinfo->is_equal(&next_column));
-  EXPECT_FALSE(copy->is_equal(&other_row));
   original.reset();
   copy->report();
   EXPECT_EQ(output(), "\"a.c\", line 4: error: option -x conflicts with previous option -y\n");
@@ -92,8 +90,8 @@ TEST_F(CoreTest, SeveritiesOverrideByCodeByListAndBySeverityWithSaveAndRestore) 
   EXPECT_EQ(output(), "error: option -a overrides preceding option -b\n");
   EXPECT_EQ(DIAGNOSTIC::error_count_m, 1);
   // Refused severities, closed rows and unknown codes change nothing.
-  DIAGNOSTIC::override_severity(24003, dc_no_error);
-  DIAGNOSTIC::override_severity(24003, dc_debug);
+  for (dc_SEVERITY refused : {dc_no_error, dc_debug})
+    DIAGNOSTIC::override_severity(24003, refused);
   EXPECT_EQ(row(24003).severity, dc_error);
   for (int code : {24007, 6000, 99900, 99921, 99922, 99923, 99927}) {
     const dc_SEVERITY before = row(code).severity;

@@ -90,10 +90,8 @@ TEST_F(FileHandles, AFullFileTableDefragmentsOrGrows) {
 
 TEST_F(FileHandles, StatsReportOpenFilesAndReopens) {
   std::vector<FHM_FILE*> files = open_many(3);
-  for (int i : {1, 2, 2}) {
-    files[i]->evict();
-    files[i]->fp();
-  }
+  for (int i : {1, 2, 2})
+    files[i]->evict(), files[i]->fp();
   files[0]->fp();
   fhm.close(fhm.open(name(3).c_str(), "w"));
   // Open files, the most recently used first; then the most reopened first.

@@ -186,8 +186,7 @@ void exhaust_memory() {
   }
 }
 
-// No temporary name: in a directory whose names are too long for the system
-// every try fails; then without memory.
+// No temporary name: every try fails where names are too long, or there is no memory.
 TEST(FileNamesDeathTest, TemporaryNameThatCantBeHadEndsTheProcess) {
   TempDir tmp;
   std::string deep = tmp.path();
