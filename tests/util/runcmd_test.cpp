@@ -97,7 +97,7 @@ TEST_F(RunCommand, LongLinesGoThroughAQuotedCommandFile) {
   // Short lines, and any line of a tool without a command-file option, go unquoted.
   EXPECT_EQ(run(recorder, line_of(false), "-@"), 0);
   EXPECT_EQ(seen(), line_of(false)[0] + "\n" + line_of(false)[1] + "\n");
-  const std::vector<std::string> args = {"/some/path\\x", "--opt=1", "1ab",
+  const std::vector<std::string> args = {"path\\", "--.opt", "1ab",
                                          std::string(1100, 'f')};
   const std::string plain = args[0] + "\n" + args[1] + "\n" + args[2] + "\n" + args[3] + "\n";
   EXPECT_EQ(run(recorder, args), 0);
@@ -112,7 +112,7 @@ TEST_F(RunCommand, LongLinesGoThroughAQuotedCommandFile) {
   argv_list list(recorder.c_str(), "-@", 0);
   list.args = args;
   EXPECT_EQ(capture_output(stdout, [&] { EXPECT_EQ(list.execute(true, nullptr), 0); }), "");
-  const std::string quoted = "\"/some/path\\\\x\"\n--\"opt=1\"\n\"1ab\"\n" + args[3] + "\n";
+  const std::string quoted = "\"path\\\\\"\n--\".opt\"\n\"1ab\"\n" + args[3] + "\n";
   EXPECT_EQ(cmdfile(), quoted);
   EXPECT_FALSE(fn_exists(seen().substr(2, seen().size() - 3).c_str()));
   // Quoting notes an argument it escapes, quoted or not; without it only a long line counts.
