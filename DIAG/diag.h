@@ -108,8 +108,8 @@ class DIAGNOSTIC {
   int print_header();
   // Prints the formatted text to fp() with the line wrap; gives its length.
   int print(const char* format, ...) __attribute__((format(printf, 2, 3)));
-  // The formatted text, wrapped for documents, in a buffer the core owns and
-  // never frees: it lives until the end of the process.
+  // The formatted text, wrapped for documents, as a new heap string the caller
+  // frees with free.
   char* sp_print(const char* format, ...) __attribute__((format(printf, 2, 3)));
   char* print_formatted(const char* text, bool to_buffer, int32_t* cols, int diag_cols, int indent,
                         int wrap_indent);

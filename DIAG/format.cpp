@@ -143,7 +143,8 @@ char* DIAGNOSTIC::print_formatted(const char* text, bool to_buffer, int32_t* col
       std::fwrite(p, 1, count, fp());
     }
     *cols -= static_cast<int32_t>(count);
-    p = newline ? newline + 1 : last + 1;
+    // On behind the piece and the blanks that follow it, a line end among them.
+    p = piece_end;
     while (p < end && is_blank(*p))
       ++p;
     if (p < end) open_line(out, cols, width, indent, wrap_indent);

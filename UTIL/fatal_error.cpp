@@ -79,16 +79,16 @@ void print_support_message() {
           "We need to see this ENTIRE error message and a complete, reproducible\n"
           "test case including ALL of the command-line options.\n",
           tool_name(), support_forum_address);
-  const char* name = tool_name();
+  fputs(support_closing(tool_name()), stderr);
+}
+
+const char* support_closing(const char* name) {
   if (names_compiler_tool(name))
-    fputs("Include the .pp file created by option --preproc_with_comment\n\n", stderr);
-  else if (strcmp(name, "Linker") == 0)
-    fputs(
-        "Include all of the object files, libraries, and linker command files\n"
-        "used to link the program.\n\n",
-        stderr);
-  else
-    fputc('\n', stderr);
+    return "Include the .pp file created by option --preproc_with_comment\n\n";
+  if (strcmp(name, "Linker") == 0)
+    return "Include all of the object files, libraries, and linker command files\n"
+           "used to link the program.\n\n";
+  return "\n";
 }
 
 void try_gen_corefile(int) {}

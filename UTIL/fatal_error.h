@@ -6,8 +6,12 @@
 using signal_handler_fn = void (*)(int sig);
 using signal_callback_fn = void (*)(int sig);
 
-// The support text, naming tool_name(), on stderr.
+// The support text, naming tool_name(), on stderr; it ends with
+// support_closing(tool_name()).
 void print_support_message();
+
+// What the support text asks a user of the tool called name to send, or a line end.
+const char* support_closing(const char* name);
 
 // Hook for producing a core dump ahead of a fatal exit; does nothing here.
 void try_gen_corefile(int sig);

@@ -105,7 +105,7 @@ char* unused_temp_name(const char* dir, const char* prefix) {
       tail[i] = base62[bits % 62];
     tail[random_chars] = '\0';
     struct stat st;
-    if (lstat(name, &st) != 0 && errno == ENOENT) return name;
+    if (lstat(name, &st) == -1 && errno == ENOENT) return name;
   }
   free(name);
   errno = EEXIST;

@@ -20,7 +20,6 @@ namespace {
 // A line of this many counted characters or more goes through a command file.
 constexpr int line_limit = 1023;
 constexpr int max_dash_prefix = 5;
-constexpr size_t argv_step = 256;
 constexpr size_t cmd_file_arg_size = 4096;
 constexpr size_t dump_piece = 128;
 
@@ -103,9 +102,7 @@ char* resolve_command(const char* command) {
 
 // The vector for execvp: program, copies of the arguments, and a null.
 char** build_argv(char* program, char** args, int count) {
-  const size_t needed = static_cast<size_t>(count) + 2;
-  const size_t capacity = (needed + argv_step - 1) / argv_step * argv_step;
-  char** argv = static_cast<char**>(safecalloc(capacity, sizeof(char*)));
+  char** argv = new_list(count + 1);
   argv[0] = program;
   for (int i = 0; i < count; ++i)
     argv[i + 1] = safestrdup(args[i]);

@@ -15,7 +15,6 @@ struct entry {
   char* key;
   char* text;
   int32_t priority;
-  int32_t fits;  // two-column layout: 1 if the entry goes in a column
   entry* next;
 };
 
@@ -78,8 +77,13 @@ entry** insertion_link(const entry* e) {
   return link;
 }
 
-entry* next_fitting(entry* e) {
-  while (e != nullptr && !e->fits)
+// Whether e goes in a column of the two-column layout with keys of width.
+bool fits(const entry* e, int width) {
+  return static_cast<int>(strlen(e->text)) + width + 2 <= two_column_room;
+}
+
+entry* next_fitting(entry* e, int width) {
+  while (e != nullptr && !fits(e, width))
     e = e->next;
   return e;
 }
@@ -103,25 +107,23 @@ void print_one_column(int width, bool long_key_alone, int extra) {
 void print_two_columns(int width) {
   print_title();
   int fitting = 0;
-  for (entry* e = head; e != nullptr; e = e->next) {
-    e->fits = static_cast<int>(strlen(e->text)) + width + 2 <= two_column_room;
-    fitting += e->fits;
-  }
+  for (const entry* e = head; e != nullptr; e = e->next)
+    fitting += fits(e, width);
   const int rows = (fitting + 1) / 2;
 
   // The left column holds the first `rows` fitting entries, so it never runs out.
-  entry* left = next_fitting(head);
+  entry* left = next_fitting(head, width);
   entry* right = left;
   for (int i = 0; i < rows; ++i)
-    right = next_fitting(right->next);
+    right = next_fitting(right->next, width);
 
   const int left_text = two_column_text - width;
   for (int row = 0; row < rows; ++row) {
     printf("  %-*.*s %-*.*s", width, width, left->key, left_text, left_text, left->text);
-    left = next_fitting(left->next);
+    left = next_fitting(left->next, width);
     if (right != nullptr) {
       printf("  %-*.*s %s\n", width, width, right->key, right->text);
-      right = next_fitting(right->next);
+      right = next_fitting(right->next, width);
     } else {
       printf("\n");
     }
@@ -129,7 +131,7 @@ void print_two_columns(int width) {
 
   const int wide_text = single_row_text - width;
   for (const entry* e = head; e != nullptr; e = e->next)
-    if (!e->fits) printf("  %-*s %-*.*s\n", width, e->key, wide_text, wide_text, e->text);
+    if (!fits(e, width)) printf("  %-*s %-*.*s\n", width, e->key, wide_text, wide_text, e->text);
 }
 
 }  // namespace
@@ -150,7 +152,6 @@ void queueup(const char* key, const char* text, int priority) {
   e->text = safestrdup(text);
   e->text[0] = static_cast<char>(toupper(static_cast<unsigned char>(e->text[0])));
   e->priority = priority;
-  e->fits = 0;
   insert_at(insertion_link(e), e);
 }
 

@@ -19,6 +19,7 @@ class DiagTest : public ::testing::Test {
     DIAGNOSTIC::debug_m = false;
     DIAGNOSTIC::remarks_m = false;
     DIAGNOSTIC::verbose_m = false;
+    DIAGNOSTIC::display_code_m = false;
     DIAGNOSTIC::debug_mode_m = false;
     DIAGNOSTIC::indent_m = 0;
     DIAGNOSTIC::debug_mode_stack_m = {};

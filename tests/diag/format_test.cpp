@@ -61,6 +61,8 @@ TEST_F(FormatTest, QuotesExactPositionsOnlyWithACaretUnderTheColumn) {
       {path, 2, 3, true, " (approximate): error: m\n"},
       {path, 9, 1, false, ": error: m\n"},
       {"no/such/file", 1, 1, false, ": error: m\n"},
+      {std::string(59, 'f'), 1, 0, false, ": error: m\n"},       // 78 columns: room for "m"
+      {std::string(60, 'f'), 1, 0, false, ": error: \n   m\n"},  // 79 columns: none
   };
   for (const auto& [file, line, column, approx, after_header] : cases) {
     const size_t before = output().size();

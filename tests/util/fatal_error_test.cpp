@@ -1,5 +1,6 @@
 #include "UTIL/fatal_error.h"
 #include "UTIL/safemalloc.h"
+#include "UTIL/strcase.h"
 
 #include <gtest/gtest.h>
 
@@ -69,6 +70,13 @@ TEST(FatalErrorDeathTest, EachSignalIsReportedOnceAndEndsWithStatusTwo) {
     EXPECT_EXIT(run(), testing::ExitedWithCode(2), stderr_text);
 }
 
+TEST(FatalError, TheSupportTextAsksForWhatTheToolReads) {
+  const std::string pp = "Include the .pp file created by option --preproc_with_comment\n\n";
+  for (auto [name, closing] : {std::pair{"ZORVEX C/C++ Parser", pp}, {"C/C++ Codegen", pp},
+                               {"Linker", "Include all of the object files"}, {"Linker 2", "\n"}})
+    EXPECT_EQ(std::string(support_closing(name)).substr(0, closing.size()), closing) << name;
+}
+
 TEST(FatalError, SigstrnappendAppendsWhatFits) {
   char buf[12] = "ab";
   sigstrnappend(buf, sizeof buf, "%d-%s", 12, "cd");
@@ -86,6 +94,16 @@ TEST(FatalError, SigstrnappendAppendsWhatFits) {
   sigstrnappend(const_cast<char*>(not_a_text), 10, "%s", "lost");
   sigstrnappend(large, sizeof large, not_a_text);
   EXPECT_EQ(std::string(large), std::string(2 * 2047, 'y'));
+}
+
+TEST(StrCase, ComparisonsGiveTheFoldedDifferenceAndSearchesTheOffset) {
+  EXPECT_EQ(strcaseicmp("abc", "AB"), 'c');  // a shorter text's end counts as 0
+  EXPECT_EQ(strcaseincmp("abX", "ABy", 3), 'x' - 'y');
+  EXPECT_TRUE(strcaseicmp("Abc", "aBC") == 0 && strcaseincmp("abX", "ABy", 2) == 0 &&
+              strcaseincmp("Abc", "aBC", 9) == 0 && strcaseincmp("a", "b", 0) == 0);
+  const char* text = "one Two two";
+  EXPECT_TRUE(strcaseistr(text, "tWO") == text + 4 && strcaseistr(text, "") == text &&
+              strcaseistr(text, "three") == nullptr);
 }
 
 TEST(SafeMallocDeathTest, ExhaustionEndsTheProcess) {

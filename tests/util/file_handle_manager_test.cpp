@@ -50,6 +50,7 @@ TEST_F(FileHandles, EvictionTakesTheLeastRecentlyUsedAndReopeningResumes) {
 
 TEST_F(FileHandles, FailedOpensLeaveNoTraceAndPersistentAndStandardFilesStayOpen) {
   EXPECT_EQ(fhm.open(tmp.file("missing").c_str(), "r"), nullptr);
+  EXPECT_EQ(fhm.open(nullptr, "r"), nullptr);
   EXPECT_EQ(fhm.next_file, 0);
   EXPECT_EQ(fhm.handles[0], nullptr);
   std::vector<FHM_FILE*> files = open_many(12);
@@ -89,10 +90,8 @@ TEST_F(FileHandles, AFullFileTableDefragmentsOrGrows) {
 
 TEST_F(FileHandles, StatsReportOpenFilesAndReopens) {
   std::vector<FHM_FILE*> files = open_many(3);
-  for (int i : {1, 2, 2}) {
-    files[i]->evict();
-    files[i]->fp();
-  }
+  for (int i : {1, 2, 2})
+    files[i]->evict(), files[i]->fp();
   files[0]->fp();
   fhm.close(fhm.open(name(3).c_str(), "w"));
   // Open files, the most recently used first; then the most reopened first.

@@ -186,7 +186,16 @@ void exhaust_memory() {
   }
 }
 
-TEST(FileNamesDeathTest, TemporaryNameWithoutMemoryEndsTheProcess) {
+// No temporary name: every try fails where names are too long, or there is no memory.
+TEST(FileNamesDeathTest, TemporaryNameThatCantBeHadEndsTheProcess) {
+  TempDir tmp;
+  std::string deep = tmp.path();
+  while (deep.size() < 4085)
+    deep += "/" + std::string(std::min<size_t>(200, 4084 - deep.size()), 'd');
+  ASSERT_TRUE(std::filesystem::create_directories(deep));
+  ScopedEnv tmpdir("TMPDIR", deep.c_str());
+  EXPECT_EXIT(fn_tmpnam(nullptr, nullptr, nullptr), testing::ExitedWithCode(1),
+              "^ERROR: cannot create temporary file name; check directory permissions\n$");
   if (__lsan_do_leak_check != nullptr)
     GTEST_SKIP() << "a sanitizer's allocator ignores the address-space limit the test sets";
   EXPECT_EXIT((exhaust_memory(), fn_tmpnam(nullptr, nullptr, nullptr)), testing::ExitedWithCode(1),

@@ -20,24 +20,26 @@ std::string listing(int width, sort_method sort, const entries& queued, int colu
 }
 
 TEST(TextQueue, SortOrdersAndColumns) {
-  // By key, leading dashes skipped; equal keys keep their order. Method 0 sorts
-  // by key too. Texts begin in upper case. A new queue drops what was never printed.
+  // By key, leading dashes skipped; equal keys keep their order; method 0 sorts by key too.
+  // Texts begin in upper case, keys are cut to the width; a new queue drops the unprinted.
   init_queue("X", 3, sort_by_key);
   queueup("-z", "z", 0);
   for (sort_method method : {sort_by_key, static_cast<sort_method>(0)})
-    EXPECT_EQ(listing(3, method, {{"--b", "b"}, {"-c", "c"}, {"-a", "a"}, {"--a", "a"}}),
+    EXPECT_EQ(listing(3, method, {{"--bx", "b"}, {"-c", "c"}, {"-a", "a"}, {"--a", "a"}}),
               "T\n  -a  A\n  --a A\n  --b B\n  -c  C\n");
-  // A single entry falls back to one column.
+  // A single entry falls back to one column. Printing empties the queue.
   EXPECT_EQ(listing(4, sort_as_added, {{"-a", "a"}}, 2), "T\n  -a   A\n");
+  EXPECT_EQ(print_queue(1, sort_by_key, 0), 0);
 
-  // Entries fit while text + width + 2 <= 37 and fill two rows, left column first,
+  // Entries fit while text + width + 2 <= 37 and fill rows, left column first,
   // in the order added; the wide one follows on a line of its own. The sign of the
   // width is ignored.
   const std::string fits = "t" + std::string(30, 'o'), wide = "w" + std::string(31, 'i');
   EXPECT_EQ(
-      listing(-4, sort_as_added, {{"-b", "one"}, {"-w", wide}, {"-a", fits}, {"-c", "three"}}, 2),
+      listing(-4, sort_as_added,
+              {{"-b", "one"}, {"-w", wide}, {"-a", fits}, {"-c", "three"}, {"-d", "four"}}, 2),
       "T\n  -b   One" + std::string(28, ' ') + "  -c   Three\n  -a   T" + std::string(30, 'o') +
-          "\n  -w   W" + std::string(31, 'i') + std::string(40, ' ') + "\n");
+          "  -d   Four\n  -w   W" + std::string(31, 'i') + std::string(40, ' ') + "\n");
 }
 
 std::string filled(const std::string& text, const std::string& padding) {
