@@ -63,18 +63,17 @@ entry** insertion_link(const entry* e) {
     case sort_as_added:
       while (*link != nullptr)
         link = &(*link)->next;
-      break;
+      return link;
     case sort_by_priority:
       while (*link != nullptr && (*link)->priority >= e->priority &&
              !((*link)->priority == e->priority && key_greater((*link)->key, e->key)))
         link = &(*link)->next;
-      break;
+      return link;
     default:
       while (*link != nullptr && !key_greater((*link)->key, e->key))
         link = &(*link)->next;
-      break;
+      return link;
   }
-  return link;
 }
 
 // Whether e goes in a column of the two-column layout with keys of width.
