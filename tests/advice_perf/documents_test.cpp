@@ -55,25 +55,32 @@ TEST(Convert, ReadsAndWritesAsAHexStreamDoes) {
 }
 
 // Nesting up to the bound is read, deeper is not; the nesting is counted as
-// the parser nests, past what comments, sections and attribute values hold.
-// Endless devices and directories are empty at once.
+// the parser nests, past what comments, sections, a document type and
+// attribute values hold, and closed elements count no more. Endless devices
+// and directories are empty at once.
 TEST(ReadXmlFile, NestingAndEndlessInputAreBounded) {
   TempDir dir;
   const std::string path = dir.file("nested.xml");
-  const auto nested = [](int depth) {
+  const auto nested = [](int depth, const std::string& level_text) {
     std::string xml;
     for (int level = 0; level < depth; ++level)
-      xml += "<a x=\"/>\" y='>'><!-- <b> --><![CDATA[<c>]]><?p <d> ?><!x <e>><f/>text";
+      xml += "<a x=\"/>\" y='>'>" + level_text;
     for (int level = 0; level < depth; ++level)
       xml += "</a >";
     return xml;
   };
-  write_file(path, nested(max_xml_depth));
-  EXPECT_FALSE(read_xml_file(path.c_str()).empty());
-  write_file(path, nested(max_xml_depth + 1));
-  EXPECT_TRUE(read_xml_file(path.c_str()).empty());
-  write_file(path, "<a x=\"1\"");
-  EXPECT_TRUE(read_xml_file(path.c_str()).empty());
+  const std::string inside = "<!-- <b> --><![CDATA[<c>]]><?p <d> ?><!x <e>><f/>text";
+  const std::pair<std::string, bool> cases[] = {
+      {nested(max_xml_depth, inside), true},
+      {nested(max_xml_depth + 1, inside), false},
+      {"<!DOCTYPE a [<!ENTITY g \"[]></y>\">]>" + nested(max_xml_depth + 1, ""), false},
+      {"<r>" + nested(1, "") + nested(max_xml_depth - 1, "") + "</r>", true},
+      {"<a x=\"1\"", false},
+  };
+  for (const auto& [xml, readable] : cases) {
+    write_file(path, xml);
+    EXPECT_EQ(read_xml_file(path.c_str()).empty(), !readable) << xml.substr(0, 30);
+  }
   EXPECT_TRUE(read_xml_file("/dev/zero").empty());
   EXPECT_TRUE(read_xml_file(dir.path().c_str()).empty());
 }
