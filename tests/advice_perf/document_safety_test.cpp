@@ -31,13 +31,15 @@ TEST(StrictXmlText, ReplacesWhatXmlCannotCarryAndKeepsTheRest) {
       {"caf\xC3\xA9 \xE2\x82\xAC \xF0\x9F\x98\x80 \xEF\xBF\xBD",
        "caf\xC3\xA9 \xE2\x82\xAC \xF0\x9F\x98\x80 " + r},
       {std::string("a\x01z\0", 4), "a" + r + "z" + r},
-      {"caf\xE9!", "caf" + r + "!"},        // a Latin-1 byte
-      {"\xC0\x80", r + r},                  // overlong NUL
-      {"\xED\xA0\x80", r + r + r},          // a surrogate
-      {"\xEF\xBF\xBE\xEF\xBF\xBF", r + r},  // the two non-characters
-      {"\xF4\x90\x80\x80", r + r + r + r},  // past U+10FFFF
-      {"\xE2\x82", r + r},                  // cut short at the end
-      {"\x7F\xC2\x85", "\x7F\xC2\x85"},     // DEL and NEL are allowed
+      {"caf\xE9!", "caf" + r + "!"},                        // a Latin-1 byte
+      {"\xC0\x80\xE0\x9F\xBF", r + r + r + r + r},          // overlong NUL and U+07FF
+      {"\xED\xA0\x80\xED\xBF\xBF", r + r + r + r + r + r},  // the first and last surrogate
+      {"\xEF\xBF\xBE\xEF\xBF\xBF", r + r},                  // the two non-characters
+      {"\xF4\x90\x80\x80", r + r + r + r},                  // past U+10FFFF
+      {"\xE2\x82", r + r},                                  // cut short at the end
+      // allowed: DEL, NEL, each length's first code point, the ends of the surrogate gap, the last
+      {"\x7F\xC2\x85\xC2\x80\xE0\xA0\x80\xF0\x90\x80\x80\xED\x9F\xBF\xEE\x80\x80\xF4\x8F\xBF\xBF",
+       "\x7F\xC2\x85\xC2\x80\xE0\xA0\x80\xF0\x90\x80\x80\xED\x9F\xBF\xEE\x80\x80\xF4\x8F\xBF\xBF"},
   };
   for (const auto& c : cases) {
     EXPECT_EQ(strict_xml_text(c.in), c.out) << c.in;
