@@ -9,6 +9,7 @@
 
 #include <boost/property_tree/xml_parser.hpp>
 
+#include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -157,6 +158,21 @@ TEST(DocumentLocks, RunsSharingADirectoryExcludeEachOtherUnlessBothRead) {
     EXPECT_EQ(DOCUMENT_LOCKS({other.file("x.xml"), b}, lock_mode::exclusive, 20ms).busy_directory(),
               dir.path());
     EXPECT_NE(DOCUMENT_LOCKS({a}, lock_mode::shared, 0ms).busy_directory(), "");
+  }
+  {
+    // A run that finds its second directory busy closes the lock of the first, once.
+    struct stat in_dir = {}, in_other = {};  // locked in the order of their inodes
+    stat(dir.path().c_str(), &in_dir), stat(other.path().c_str(), &in_other);
+    const bool dir_first = in_dir.st_ino < in_other.st_ino;
+    const TempDir &first = dir_first ? dir : other, &second = dir_first ? other : dir;
+    const DOCUMENT_LOCKS holder({second.file("x")}, lock_mode::exclusive, 0ms);
+    int reused = -1;
+    {
+      const DOCUMENT_LOCKS busy({first.file("x"), second.file("x")}, lock_mode::exclusive, 0ms);
+      ASSERT_EQ(busy.busy_directory(), second.path());
+      reused = open(first.path().c_str(), O_RDONLY);  // the number the release freed
+    }
+    EXPECT_EQ(close(reused), 0);
   }
   const DOCUMENT_LOCKS reader({a}, lock_mode::shared, 0ms);
   EXPECT_EQ(DOCUMENT_LOCKS({b}, lock_mode::shared, 0ms).busy_directory(), "");
