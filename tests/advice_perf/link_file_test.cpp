@@ -60,8 +60,9 @@ TEST(LinkFile, ReadsWhatTheParserWouldGiveTheTree) {
                                 "&amp &x;'/></object_component_list>",
                  no_groups),
        "18 -1 v1 a&B<&amp &x;=i"},
-      {"a hexadecimal digit counts in a decimal reference, and the code wraps",
-       link_file("&#4a;&#x10000000000000031;", "<object_component_list/>", no_groups),
+      {"a hexadecimal digit counts in a decimal reference, the code wraps; a bad version is none",
+       link_file("&#4a;&#x10000000000000031;", "<version>v2</version><object_component_list/>",
+                 no_groups),
        "33 -1 v1"},
       {"text pieces join, each trimmed and condensed but for sections and attributes",
        link_file(" 0x1 <!-- c --> 2 <b>9</b><![CDATA[3]]>4\n", one_component,
@@ -97,8 +98,7 @@ TEST(LinkFile, ReadsWhatTheParserWouldGiveTheTree) {
                  "<logical_group_list><logical_group id='g'><size/><name/><contents>"
                  "<object_component_ref/></contents></logical_group></logical_group_list>"),
        "No such node (<xmlattr>.idref)"},
-      {"nesting up to the bound in a left-out part", nested(max_xml_depth, "<b/>"),
-       "1 -1 v1 a=i"},
+      {"nesting up to the bound in a left-out part", nested(max_xml_depth, "<b/>"), "1 -1 v1 a=i"},
       {"one level more", nested(max_xml_depth, "<b></b>"), "0 -1 v-1"},
   };
   TempDir dir;
