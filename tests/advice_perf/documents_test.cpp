@@ -18,6 +18,7 @@
 
 #include <filesystem>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace {
@@ -54,20 +55,17 @@ TEST(Convert, ReadsAndWritesAsAHexStreamDoes) {
   EXPECT_EQ(convert<std::string>(int32_t{-2}), "0xfffffffe");
 }
 
-// Nesting up to the bound is read, deeper is not; the nesting is counted as
-// the parser nests, past what comments, sections, a document type and
-// attribute values hold, and closed elements count no more. Endless devices
-// and directories are empty at once.
+// Nesting up to the bound is read, deeper is not, counted as the parser nests:
+// past what comments, sections, a document type and attribute values hold, and
+// closed elements count no more. Endless devices and directories are empty at once.
 TEST(ReadXmlFile, NestingAndEndlessInputAreBounded) {
   TempDir dir;
   const std::string path = dir.file("nested.xml");
   const auto nested = [](int depth, const std::string& level_text) {
-    std::string xml;
+    std::string open, close;
     for (int level = 0; level < depth; ++level)
-      xml += "<a x=\"/>\" y='>'>" + level_text;
-    for (int level = 0; level < depth; ++level)
-      xml += "</a >";
-    return xml;
+      open += "<a x=\"/>\" y='>'>" + level_text, close += "</a >";
+    return open + close;
   };
   const std::string inside = "<!-- <b> --><![CDATA[<c>]]><?p <d> ?><!x <e>><f/>text";
   const std::pair<std::string, bool> cases[] = {
@@ -227,14 +225,14 @@ TEST_F(Documents, TheLargestCleanBarIsTheOnlyGreenOne) {
   build("append", "--opt_for_speed", "3", 800);
   build("append", "--opt_for_speed", "4", 5000, 1);
   EXPECT_EQ(bars(), "1:500:yellow 2:800:yellow 3:800:green 4:5000:red ");
-  build("append", "--opt_for_speed", "4", 700);
+  build("append", "--opt_for_speed", "4", 700, -1);  // a link without an error count is clean
   EXPECT_EQ(bars(), "1:500:yellow 2:800:yellow 3:800:green 4:700:yellow ");
   run({"--benchmark:event=start", "--benchmark:option=--opt_for_speed"});
   EXPECT_EQ(bars(), "");
 }
 
-// A link older than the documents' last write belongs to an earlier build: it
-// adds no bar and proposes no series. A link of that same second does.
+// A link older than the documents' last write belongs to an earlier build: no bar, no series
+// proposed. One of that same second does, unless without error count or at the fastest goal.
 TEST_F(Documents, ALinkOlderThanTheDocumentsIsIgnored) {
   run({});  // both documents written at 0x1000
   link("", "", 0, 0xfff);
@@ -243,8 +241,13 @@ TEST_F(Documents, ALinkOlderThanTheDocumentsIsIgnored) {
   build("append", "--opt_level", "1", 300, 0, 0xfff);
   build("append", "--opt_level", "2", 400, 0, 0x1000);
   EXPECT_EQ(bars(), "2:400:cyan ");
-  run({});
-  EXPECT_TRUE(ADVICE(advice_path.c_str()).get_link_advice_flag());
+  const std::tuple<int, const char*, bool> cases[] = {
+      {-1, "-mf4", false}, {0, "-mf5", false}, {0, "-mf4", true}};
+  for (const auto& [errors, shell, proposed] : cases) {
+    link("", "", errors);
+    run({}, {shell});
+    EXPECT_EQ(ADVICE(advice_path.c_str()).get_link_advice_flag(), proposed) << shell << errors;
+  }
 }
 
 // A bar that can't be read ends the chart's reading there.
@@ -271,6 +274,8 @@ TEST_F(Documents, TheLevelAdviceFollowsLevelAndDebugInformation) {
       {{}, none + debug},
       {{"-Ooff", "--symdebug:none"}, none},
       {{"-O0"}, low + debug},
+      {{"-O2"}, low + debug},
+      {{"-O4"}, ""},
       {{"-O3"}, three + " and debug ability will decrease."},
       {{"-O3", "--symdebug:none"}, three + "."},
   };
