@@ -98,14 +98,15 @@ TEST_F(ReplaceFile, AFailedWriteLeavesTheOldFileAndNoNewOne) {
 }
 
 // Beside the document stay its old file when that could not be read (the
-// latest one), and a running run's new file; new files of ended runs go. Names
+// latest one), and a running run's new file; new files of ended runs go, retried ones too. Names
 // of any length are written, and a loop of links is no file to write.
 TEST_F(ReplaceFile, KeepsAnUnreadableOldFileClearsWhatEndedRunsLeftAndFitsNames) {
   const pid_t ended = fork();
   if (ended == 0) _exit(0);
   waitpid(ended, nullptr, 0);
-  const std::string new_file = ".perf.xml.advzorv-new", running = new_file + "." + std::to_string(getppid());
-  for (const std::string& name : {running, new_file + "." + std::to_string(ended), new_file})
+  const std::string left = ".perf.xml.advzorv-new", gone = left + "." + std::to_string(ended);
+  const std::string running = left + "." + std::to_string(getppid());
+  for (const std::string& name : {running, gone, gone + "-1", left})
     write_file(dir.file(name), "left");
   replace_file(doc, "first", old_document::kept);
   replace_file(doc, "second", old_document::kept);

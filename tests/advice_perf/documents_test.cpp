@@ -235,18 +235,15 @@ TEST_F(Documents, TheLargestCleanBarIsTheOnlyGreenOne) {
 // proposed. One of that same second does, unless without error count or at the fastest goal.
 TEST_F(Documents, ALinkOlderThanTheDocumentsIsIgnored) {
   run({});  // both documents written at 0x1000
-  link("", "", 0, 0xfff);
-  run({});
-  EXPECT_FALSE(ADVICE(advice_path.c_str()).get_link_advice_flag());
   build("append", "--opt_level", "1", 300, 0, 0xfff);
   build("append", "--opt_level", "2", 400, 0, 0x1000);
   EXPECT_EQ(bars(), "2:400:cyan ");
-  const std::tuple<int, const char*, bool> cases[] = {
-      {-1, "-mf4", false}, {0, "-mf5", false}, {0, "-mf4", true}};
-  for (const auto& [errors, shell, proposed] : cases) {
-    link("", "", errors);
-    run({}, {shell});
-    EXPECT_EQ(ADVICE(advice_path.c_str()).get_link_advice_flag(), proposed) << shell << errors;
+  const std::tuple<int, uint64_t, int, bool> cases[] = {
+      {0, 0xfff, 4, false}, {-1, 0x1000, 4, false}, {0, 0x1000, 5, false}, {0, 0x1000, 4, true}};
+  for (const auto& [errors, time, goal, flag] : cases) {
+    link("", "", errors, time);
+    run({}, {"-mf" + std::to_string(goal)});
+    EXPECT_EQ(ADVICE(advice_path.c_str()).get_link_advice_flag(), flag) << time << errors << goal;
   }
 }
 
