@@ -2,7 +2,6 @@
 
 #include "ADVICE_PERF/link_data.h"
 
-#include <cstdio>
 #include <utility>
 
 ADVICE::ADVICE(const char* file_name, const LINK_DATA& link_data)
@@ -75,10 +74,4 @@ void ADVICE::remove_link_build_advice() {
 
 void ADVICE::remove_build_results_advice() {
   remove_advice_type("build_results");
-}
-
-void ADVICE::print_advice() const {
-  for (const auto& [key, info] : entries)
-    std::printf("diag_code %s type %s option %s msg %s\n", key.c_str(), info.advice_type.c_str(),
-                info.option.c_str(), info.msg.c_str());
 }

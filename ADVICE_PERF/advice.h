@@ -49,8 +49,6 @@ class ADVICE : public PTREE_INFO {
   // Removes the proposal to run the benchmark series; it won't come back.
   void remove_link_build_advice();
   void remove_build_results_advice();
-  // Debugging aid: one line per entry on stdout.
-  void print_advice() const;
 
   const entry_map& get_entries() const { return entries; }
   const settings_map& get_settings() const { return settings; }

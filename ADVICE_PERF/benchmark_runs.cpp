@@ -116,7 +116,7 @@ void PERF_RESULTS::update_bar_chart(std::string color, uint32_t value) {
   // finds its bar again in the next run.
   const std::string key =
       strict_xml_text(benchmarking ? tool_option_text(option_obj::BENCHMARK__OPTION_VALUE) : "");
-  if (value == 0 || key.empty()) return;
+  if (key.empty()) return;
   bars[key] = PERF_INFO{value, std::move(color)};
 }
 

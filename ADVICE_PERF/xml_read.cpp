@@ -21,18 +21,18 @@ constexpr int parse_flags = rapidxml::parse_normalize_whitespace | rapidxml::par
 // Whether the parser would nest elements deeper than max_xml_depth. Follows
 // the parser's own lexical rules and character tables; at the first error it
 // stops and leaves the verdict to the parser, which fails at that point too.
+// Text outside the elements, which the parser refuses but for a leading byte
+// order mark, is passed over.
 class DEPTH_SCAN {
  public:
   explicit DEPTH_SCAN(const char* text) : p(reinterpret_cast<const unsigned char*>(text)) {}
 
   bool too_deep() {
-    if (p[0] == 0xEF && p[1] == 0xBB && p[2] == 0xBF) p += 3;
     int depth = 0;
     for (;;) {
       skip(tables::lookup_whitespace);
       if (*p == 0) return false;
       if (*p != '<') {
-        if (depth == 0) return false;
         skip(tables::lookup_text);
         continue;
       }

@@ -15,7 +15,8 @@ inline constexpr std::size_t max_xml_file_bytes = std::size_t{1} << 30;
 inline constexpr int max_xml_depth = 1000;
 
 // Whether read_xml's parser would nest the NUL-terminated text's elements
-// deeper than max_xml_depth before it meets an error, if any.
+// deeper than max_xml_depth before it meets an error, if any; text outside
+// the elements, which it refuses, may count either way.
 bool nested_too_deep(const char* text);
 
 // The tree read_xml would give for the file, or an empty tree when the file

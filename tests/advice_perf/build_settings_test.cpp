@@ -6,7 +6,6 @@
 
 #include <gtest/gtest.h>
 
-#include <memory>
 #include <utility>
 #include <vector>
 
@@ -17,11 +16,11 @@ using settings = std::pair<int, int>;  // level, goal
 // Scans the tokens (as they stand in a command file) into a fresh shell
 // option object and reads both settings back.
 settings settings_after(const std::vector<const char*>& tokens) {
-  auto options = std::make_unique<option_obj_shell>(true);
-  global_options = options.get();
+  option_obj_shell options(true);
+  global_options = &options;
   for (const char* token : tokens)
-    EXPECT_EQ(options->process_option(token + 1, nullptr), 1) << token;
-  options->post_process_option_depends();
+    EXPECT_EQ(options.process_option(token + 1, nullptr), 1) << token;
+  options.post_process_option_depends();
   const settings result{opt_level(), size_speed_goal()};
   global_options = nullptr;
   return result;

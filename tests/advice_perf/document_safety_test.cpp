@@ -9,6 +9,7 @@
 
 #include <boost/property_tree/xml_parser.hpp>
 
+#include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -31,13 +32,15 @@ TEST(StrictXmlText, ReplacesWhatXmlCannotCarryAndKeepsTheRest) {
       {"caf\xC3\xA9 \xE2\x82\xAC \xF0\x9F\x98\x80 \xEF\xBF\xBD",
        "caf\xC3\xA9 \xE2\x82\xAC \xF0\x9F\x98\x80 " + r},
       {std::string("a\x01z\0", 4), "a" + r + "z" + r},
-      {"caf\xE9!", "caf" + r + "!"},        // a Latin-1 byte
-      {"\xC0\x80", r + r},                  // overlong NUL
-      {"\xED\xA0\x80", r + r + r},          // a surrogate
-      {"\xEF\xBF\xBE\xEF\xBF\xBF", r + r},  // the two non-characters
-      {"\xF4\x90\x80\x80", r + r + r + r},  // past U+10FFFF
-      {"\xE2\x82", r + r},                  // cut short at the end
-      {"\x7F\xC2\x85", "\x7F\xC2\x85"},     // DEL and NEL are allowed
+      {"caf\xE9!", "caf" + r + "!"},                        // a Latin-1 byte
+      {"\xC0\x80\xE0\x9F\xBF", r + r + r + r + r},          // overlong NUL and U+07FF
+      {"\xED\xA0\x80\xED\xBF\xBF", r + r + r + r + r + r},  // the first and last surrogate
+      {"\xEF\xBF\xBE\xEF\xBF\xBF", r + r},                  // the two non-characters
+      {"\xF4\x90\x80\x80", r + r + r + r},                  // past U+10FFFF
+      {"\xE2\x82", r + r},                                  // cut short at the end
+      // allowed: DEL, NEL, each length's first code point, the ends of the surrogate gap, the last
+      {"\x7F\xC2\x85\xC2\x80\xE0\xA0\x80\xF0\x90\x80\x80\xED\x9F\xBF\xEE\x80\x80\xF4\x8F\xBF\xBF",
+       "\x7F\xC2\x85\xC2\x80\xE0\xA0\x80\xF0\x90\x80\x80\xED\x9F\xBF\xEE\x80\x80\xF4\x8F\xBF\xBF"},
   };
   for (const auto& c : cases) {
     EXPECT_EQ(strict_xml_text(c.in), c.out) << c.in;
@@ -95,14 +98,15 @@ TEST_F(ReplaceFile, AFailedWriteLeavesTheOldFileAndNoNewOne) {
 }
 
 // Beside the document stay its old file when that could not be read (the
-// latest one), and a running run's new file; new files of ended runs go. Names
+// latest one), and a running run's new file; new files of ended runs go, retried ones too. Names
 // of any length are written, and a loop of links is no file to write.
 TEST_F(ReplaceFile, KeepsAnUnreadableOldFileClearsWhatEndedRunsLeftAndFitsNames) {
   const pid_t ended = fork();
   if (ended == 0) _exit(0);
   waitpid(ended, nullptr, 0);
-  const std::string new_file = ".perf.xml.advzorv-new", running = new_file + "." + std::to_string(getppid());
-  for (const std::string& name : {running, new_file + "." + std::to_string(ended), new_file})
+  const std::string left = ".perf.xml.advzorv-new", gone = left + "." + std::to_string(ended);
+  const std::string running = left + "." + std::to_string(getppid());
+  for (const std::string& name : {running, gone, gone + "-1", left})
     write_file(dir.file(name), "left");
   replace_file(doc, "first", old_document::kept);
   replace_file(doc, "second", old_document::kept);
@@ -155,6 +159,21 @@ TEST(DocumentLocks, RunsSharingADirectoryExcludeEachOtherUnlessBothRead) {
     EXPECT_EQ(DOCUMENT_LOCKS({other.file("x.xml"), b}, lock_mode::exclusive, 20ms).busy_directory(),
               dir.path());
     EXPECT_NE(DOCUMENT_LOCKS({a}, lock_mode::shared, 0ms).busy_directory(), "");
+  }
+  {
+    // A run that finds its second directory busy closes the lock of the first, once.
+    struct stat in_dir = {}, in_other = {};  // locked in the order of their inodes
+    stat(dir.path().c_str(), &in_dir), stat(other.path().c_str(), &in_other);
+    const bool dir_first = in_dir.st_ino < in_other.st_ino;
+    const TempDir &first = dir_first ? dir : other, &second = dir_first ? other : dir;
+    const DOCUMENT_LOCKS holder({second.file("x")}, lock_mode::exclusive, 0ms);
+    int reused = -1;
+    {
+      const DOCUMENT_LOCKS busy({first.file("x"), second.file("x")}, lock_mode::exclusive, 0ms);
+      ASSERT_EQ(busy.busy_directory(), second.path());
+      reused = open(first.path().c_str(), O_RDONLY);  // the number the release freed
+    }
+    EXPECT_EQ(close(reused), 0);
   }
   const DOCUMENT_LOCKS reader({a}, lock_mode::shared, 0ms);
   EXPECT_EQ(DOCUMENT_LOCKS({b}, lock_mode::shared, 0ms).busy_directory(), "");

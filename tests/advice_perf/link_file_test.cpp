@@ -61,16 +61,15 @@ TEST(LinkFile, ReadsWhatTheParserWouldGiveTheTree) {
                  no_groups),
        "18 -1 v1 a&B<&amp &x;=i"},
       {"a hexadecimal digit counts in a decimal reference, and the code wraps",
-       link_file("&#4a;&#x10000000000000031;", "<object_component_list/>", no_groups),
-       "33 -1 v1"},
+       link_file("&#4a;&#x10000000000000031;", "<object_component_list/>", no_groups), "33 -1 v1"},
       {"text pieces join, each trimmed and condensed but for sections and attributes",
        link_file(" 0x1 <!-- c --> 2 <b>9</b><![CDATA[3]]>4\n", one_component,
                  "<logical_group_list><logical_group id=' g\t1 '><size>2</size>"
                  "<name>\n .text \t x <![CDATA[ y ]]></name><contents/></logical_group>"
                  "</logical_group_list>"),
        "4660 -1 v1 a=i  g\t1 =2:.text x y :"},
-      {"the first of repeated elements and attributes counts; a bool may be a word",
-       link_file("1</link_time><link_time>2",
+      {"the first of repeated elements or attributes counts; a bool may be a word; v2 is none",
+       link_file("1</link_time><version>v2</version><link_time>2",
                  "<object_component_list><object_component id='a' id='b'><uninitialized>true"
                  "</uninitialized><uninitialized>0</uninitialized></object_component>"
                  "<object_component id='c'><uninitialized>yes</uninitialized>"
@@ -97,8 +96,7 @@ TEST(LinkFile, ReadsWhatTheParserWouldGiveTheTree) {
                  "<logical_group_list><logical_group id='g'><size/><name/><contents>"
                  "<object_component_ref/></contents></logical_group></logical_group_list>"),
        "No such node (<xmlattr>.idref)"},
-      {"nesting up to the bound in a left-out part", nested(max_xml_depth, "<b/>"),
-       "1 -1 v1 a=i"},
+      {"nesting up to the bound in a left-out part", nested(max_xml_depth, "<b/>"), "1 -1 v1 a=i"},
       {"one level more", nested(max_xml_depth, "<b></b>"), "0 -1 v-1"},
   };
   TempDir dir;

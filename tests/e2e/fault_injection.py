@@ -53,17 +53,19 @@ class Runs:
         return done.returncode, done.stderr
 
     def calls(self):
-        """Per call, how many come before the command file is opened and after; and
-        the number of the new file's openat."""
+        """Per call, how many come before the command file is opened and after; the new
+        file's openat number; whether the directory is fsynced once for each document renamed."""
         self.run("-o", self.origin + ".log", "-e", "trace=" + ",".join(CALLS))
-        before, after, new_file = {}, {}, None
-        for line in open(self.origin + ".log"):
+        before, after, new_file, log = {}, {}, None, open(self.origin + ".log").read()
+        for line in log.splitlines():
             call = line.split("(", 1)[0]
             counts = after if after or '"options.cmd"' in line else before
             counts[call] = counts.get(call, 0) + 1
             if new_file is None and call == "openat" and "advzorv-new" in line:
                 new_file = counts[call] + before.get(call, 0)
-        return before, after, new_file
+        synced = re.findall(r'^openat\(AT_FDCWD, "\.", \S*O_DIRECTORY\S*\) += (\d+)\nfsync\(\1\) += 0$',
+                            log, re.M)
+        return before, after, new_file, len(synced) == (0 if self.in_place else len(DOCUMENTS))
 
     def problems(self, clean, errno):
         names = set(os.listdir(self.work))
@@ -100,7 +102,8 @@ def main():
         os.chmod(root, 0o755)
         for path in ("atomic", "in-place"):
             runs = Runs(binary, cases, os.path.join(root, path), path == "in-place")
-            before, after, new_file = runs.calls()
+            before, after, new_file, synced = runs.calls()
+            failures += [] if synced else [f"{path}: a document renamed without a sync of its directory"]
             status, err = runs.run()
             clean = documents(runs.work)
             failures += [f"{path}: without faults, status {status}: {err!r}"] if status else []
