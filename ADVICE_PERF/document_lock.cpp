@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
+#include <filesystem>
 #include <tuple>
 
 namespace {
@@ -29,8 +30,8 @@ struct directory {
 };
 
 timeval as_timeval(std::chrono::microseconds span) {
-  return {static_cast<time_t>(span.count() / 1000000),
-          static_cast<suseconds_t>(span.count() % 1000000)};
+  const auto whole = std::chrono::duration_cast<std::chrono::seconds>(span);
+  return {static_cast<time_t>(whole.count()), static_cast<suseconds_t>((span - whole).count())};
 }
 
 // While it lives, SIGALRM interrupts a blocking lock call first after first
@@ -98,7 +99,8 @@ DOCUMENT_LOCKS::DOCUMENT_LOCKS(const std::vector<std::string>& documents, lock_m
     const std::string name = directory_of(file);
     struct stat info {};
     if (stat(name.c_str(), &info) != 0) continue;
-    directories.push_back({name, info.st_dev, info.st_ino, {file.substr(file.rfind('/') + 1)}});
+    directories.push_back(
+        {name, info.st_dev, info.st_ino, {std::filesystem::path(file).filename().string()}});
   }
   const auto identity = [](const directory& d) { return std::tie(d.device, d.inode); };
   std::sort(directories.begin(), directories.end(),

@@ -79,6 +79,9 @@ TEST_F(ReplaceFile, KeepsPermissionBitsAndSymbolicLinks) {
   fs::create_symlink("made.xml", dir.file("dangling.xml"));
   replace_file(dir.file("dangling.xml"), "made");
   EXPECT_EQ(read_file(dir.file("made.xml")), "made");
+  const mode_t mask = umask(0);  // a new document gets what the umask leaves of 0666
+  umask(mask);
+  EXPECT_EQ(fs::status(dir.file("made.xml")).permissions(), static_cast<fs::perms>(0666 & ~mask));
 }
 
 TEST_F(ReplaceFile, AFailedWriteLeavesTheOldFileAndNoNewOne) {
@@ -158,6 +161,8 @@ TEST(DocumentLocks, RunsSharingADirectoryExcludeEachOtherUnlessBothRead) {
     ASSERT_EQ(held.busy_directory(), "");
     EXPECT_EQ(DOCUMENT_LOCKS({other.file("x.xml"), b}, lock_mode::exclusive, 20ms).busy_directory(),
               dir.path());
+    struct sigaction after {};  // the wait's alarm handler is gone with the wait
+    EXPECT_EQ((sigaction(SIGALRM, nullptr, &after), after.sa_handler), SIG_DFL);
     EXPECT_NE(DOCUMENT_LOCKS({a}, lock_mode::shared, 0ms).busy_directory(), "");
   }
   {

@@ -73,6 +73,7 @@ TEST(ReadXmlFile, NestingAndEndlessInputAreBounded) {
       {nested(max_xml_depth + 1, inside), false},
       {"<!DOCTYPE a [<!ENTITY g \"[]></y>\">]>" + nested(max_xml_depth + 1, ""), false},
       {"<r>" + nested(1, "") + nested(max_xml_depth - 1, "") + "</r>", true},
+      {"<r>" + nested(1, "") + nested(max_xml_depth, "") + "</r>", false},
       {"<a x=\"1\"", false},
   };
   for (const auto& [xml, readable] : cases) {

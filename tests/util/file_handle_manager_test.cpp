@@ -32,6 +32,7 @@ TEST_F(FileHandles, EvictionTakesTheLeastRecentlyUsedAndReopeningResumes) {
   EXPECT_FALSE(files[0]->is_open());
   EXPECT_EQ(fhm.handles[0], files[12]);
   fputs("hello ", files[0]->fp());  // evicts the next oldest, file 1
+  EXPECT_EQ(fhm.reopen(files[0]), files[0]);  // open already: kept as it is
   EXPECT_EQ(files[0]->reopen_count, 1u);
   EXPECT_FALSE(files[1]->is_open());
 

@@ -30,6 +30,11 @@ TEST(TextQueue, SortOrdersAndColumns) {
   // A single entry falls back to one column. Printing empties the queue.
   EXPECT_EQ(listing(4, sort_as_added, {{"-a", "a"}}, 2), "T\n  -a   A\n");
   EXPECT_EQ(print_queue(1, sort_by_key, 0), 0);
+  // By priority, the highest first, and equal ones by key.
+  init_queue("P", 2, sort_by_priority);
+  queueup("-b", "b", 1), queueup("-c", "c", 2), queueup("-a", "a", 1);
+  EXPECT_EQ(capture_output(stdout, [] { print_queue(1, sort_by_key, 0); }),
+            "P\n  -c C\n  -a A\n  -b B\n");
 
   // Entries fit while text + width + 2 <= 37 and fill rows, left column first,
   // in the order added; the wide one follows on a line of its own. The sign of the
