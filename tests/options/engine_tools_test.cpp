@@ -1,6 +1,5 @@
-// Handing the history on to a tool's command line, with the synthetic
-// table's targets: ALPHA to asmzorv, ALPHA_BETA and NAMES to lnkzorv, MODE
-// to embedded_options and twice to lnkzorv, NUMBER to embedded_options.
+// Handing the history on to a tool's command line, by the passto lines of
+// engine_test.opt.
 #include <string>
 #include <vector>
 

@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
-#include <regex>
 #include <string>
 #include <utility>
 
@@ -24,19 +22,18 @@ TEST(Version, ComposedTexts) {
     EXPECT_STREQ(text(), expected);
 }
 
-std::string buildid_line(const char* date, const char* time, const char* branch = "Main") {
-  return write_to_string([&](FILE* out) { write_buildid(out, "L ", date, time, branch); });
-}
-
+// Known branch prefixes ignore case; "9" and "Z" are doubled, separators kept; four steps.
 TEST(BuildId, EncodesDayHourAndBranch) {
-  EXPECT_EQ(buildid_line("Nov 17 2025", "12:09:29"), "L 1ZLHM-E1I-CCCCC-WAR-MN\n");
-  EXPECT_EQ(buildid_line("Nov  7 2025", "00:00:00"), "L 1ZL7A-E1I-CCCCC-WAR-MN\n");
-  EXPECT_EQ(buildid_line("Jan 10 2026", "24:00:00"), "L 1ZLAA-E1I-CCCCC-WAR-MN\n");
-  // Known prefixes ignore case; "9" and "Z" are doubled, separators kept; four steps.
-  const std::string head = "L 1ZLHM-E1I-CCCCC-WAR-";
-  EXPECT_EQ(buildid_line("Nov 17 2025", "12:09:29", "RELEASE_9z"), head + "RL_Z9ZZ\n");
-  EXPECT_EQ(buildid_line("Nov 17 2025", "12:09:29", "rel.kx"), head + "RE.AN\n");
-  EXPECT_EQ(buildid_line("Nov 17 2025", "12:09:29", "a!cdef"), head + "0%23\n");
+  const char* const cases[][4] = {
+      {"Nov 17 2025", "12:09:29", "Main", "1ZLHM-E1I-CCCCC-WAR-MN"},
+      {"Nov  7 2025", "00:00:00", "Main", "1ZL7A-E1I-CCCCC-WAR-MN"},
+      {"Jan 10 2026", "24:00:00", "Main", "1ZLAA-E1I-CCCCC-WAR-MN"},
+      {"Nov 17 2025", "12:09:29", "RELEASE_9z", "1ZLHM-E1I-CCCCC-WAR-RL_Z9ZZ"},
+      {"Nov 17 2025", "12:09:29", "rel.kx", "1ZLHM-E1I-CCCCC-WAR-RE.AN"},
+      {"Nov 17 2025", "12:09:29", "a!cdef", "1ZLHM-E1I-CCCCC-WAR-0%23"}};
+  for (const auto& [date, time, branch, id] : cases)
+    EXPECT_EQ(write_to_string([&](FILE* out) { write_buildid(out, "L ", date, time, branch); }),
+              std::string("L ") + id + "\n");
 }
 
 }  // namespace
