@@ -257,10 +257,10 @@ class option_engine {
   void add_to_history(int id);
   void clear_history(int id);
 
-  // arguments; id is one of the table's, type one of its parse types
-  // The checked argument text: a pointer into rest (behind its "="), or the
-  // next token of the stream; null for an optional argument left out. Borrowed
-  // from the caller's text or the stream, never freed here.
+  // arguments; id is one of the table's, type one of its parse types.
+  // parse_arg returns the checked argument text: a pointer into rest (behind
+  // its "="), or the next token of the stream; null for an optional argument
+  // left out. Borrowed from the caller's text or the stream, never freed here.
   const char* parse_arg(int id, const char* rest, const char* name, int type,
                         const arg_range& range);
   int parse_oneof(int id, const char* rest, const char* name, int type, long* value);
