@@ -149,8 +149,7 @@ class option_engine {
   static long strtol_by_radix(const char* text, int* bad);
   static unsigned long strtoul_by_radix(const char* text, int* bad);
 
-  // --- conflicts and dependencies
-  void do_conflicts(int id);
+  // --- diagnostics and dependencies
   int report_diagnostic(DIAGNOSTIC& diag);
   virtual void post_process_option_depends();
 
@@ -252,6 +251,7 @@ class option_engine {
 
   // the steps of setting an option; id is one of the table's
   void setopt_internal(int id);
+  void do_conflicts(int id);
   void register_option_form(int id, unsigned char form);
   void parsed_option(int id);
   void add_to_history(int id);
