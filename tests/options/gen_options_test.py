@@ -38,7 +38,7 @@ STR = ("kind string", "parse text", "arg x")
 # without its "bad.opt:" (none: it generates).
 CASES = [
     (record("A"), []),
-    (b"", ["1: no 'table' header"]),
+    (b"", ["1: no 'table' header"]), (HEADER.replace("  fold_case no\n", "").encode(), []),
     (b"table option_obj_x\n", ["1: no help_class declared"] + ["1: table header lacks '%s'" % f
      for f in ("debug_prefix", "class_columns", "alt_slots", "first_fileopt")]),
     (b"table \xe9\n", ["1: the line is not valid UTF-8"]),
@@ -86,10 +86,10 @@ CASES = [
     ("table a b\nhelp_class lower \"x\"\noption lower\nfrobnicate\n  spelling --x\n"
      "table option_obj_x\n  class_columns x\n  short_group cluster a\n  short_group end A ab\n"
      "  bad_key 1\n" + record("A", "spelling x", "spelling --a2 weird", "parse optional nothing",
-                                "range 5 1", "flags odd", "items x", "action fly",
+                                "range 5 1", "flags odd", "items + x", "action fly",
                                 "also_sets B=on sometimes", "rule with", "conflicts 4 B",
-                                "kind flag", "kind flag", 'arg "x'),
-     ["8: 'table' takes the family's class name",
+                                "kind flag", "kind flag", 'arg "x', "deprecated loud x"),
+     ["8: 'table' takes the family's class name", "35: bad option line 'deprecated loud x'",
       "9: 'help_class' takes an upper-case name and a title",
       "10: 'option' takes one upper-case internal name", "11: unknown section 'frobnicate'",
       "12: indented line outside a table header or option record",
@@ -98,7 +98,7 @@ CASES = [
       "22: a spelling begins with '-'", "23: unknown spelling flag 'weird'",
       "24: unknown parse type 'optional nothing'", "25: range 5..1 is empty",
       "26: unknown flag 'odd'", "27: an item is a mark (+, * or -) and a word, not 'x'",
-      "28: unknown action 'fly'",
+      "28: unknown action 'fly'", "27: an item is a mark (+, * or -) and a word, not '+'",
       "29: also_sets takes TARGET[=word] [when WORD | by_number WORDS... | increment]",
       "30: rule takes [when WORD] with|without OPTION[=WORD,...] error|warning TEXT",
       "31: conflict values are 1, 2 or 3", "32: bad option line 'kind flag'",
