@@ -15,7 +15,7 @@
 namespace {
 
 bool is_optional(int type) {
-  return type >= parse_optional_offset && type <= parse_last;
+  return type >= parse_optional_offset;
 }
 
 int base_type(int type) {
@@ -26,10 +26,6 @@ bool is_numeric(int type) {
   int base = base_type(type);
   return base == parse_number || base == parse_number1 || base == parse_unsigned ||
          base == parse_bounded_number || base == parse_number8;
-}
-
-bool is_oneof(int type) {
-  return base_type(type) == parse_oneof_type || base_type(type) == parse_oneof_list;
 }
 
 bool empty(const char* text) {
@@ -53,13 +49,7 @@ static void report_missing(const option_engine& options, int id, const char* nam
 }
 
 const char* option_engine::parse_arg(int id, const char* rest, const char* name, int type,
-                                     const arg_range* range) {
-  if (!valid(id)) return nullptr;
-  if (type > parse_last || type < 0) return rest;
-  if (is_oneof(type)) {
-    DIAG::optgen_option_handler_corruption(__FILE__, __LINE__).report();
-    type = base_type(type);
-  }
+                                     const arg_range& range) {
   if (is_optional(type)) {
     if (empty(rest)) return nullptr;
     if (std::strcmp(rest, "=") == 0) report_missing(*this, id, name);
@@ -80,13 +70,12 @@ const char* option_engine::parse_arg(int id, const char* rest, const char* name,
 }
 
 void option_engine::check_numerical_arg(int type, int id, const char* name, const char* arg,
-                                        const arg_range* range) {
-  if (!valid(id)) return;
+                                        const arg_range& range) {
   if (empty(arg)) report_missing(*this, id, name);
-  uint64_t low = range ? range->lowest.value.unum : 0;
+  uint64_t low = range.lowest.value.unum;
   bool is_unsigned = base_type(type) == parse_unsigned;
   uint64_t unbounded = is_unsigned ? unsigned_unbounded : signed_unbounded;
-  uint64_t high = range ? range->highest.value.unum : unbounded;
+  uint64_t high = range.highest.value.unum;
   int bad = 0;
   bool has_minus = std::strchr(arg, '-') != nullptr;
   bool good;
@@ -160,7 +149,6 @@ unsigned long option_engine::strtoul_by_radix(const char* text, int* bad) {
 }
 
 int option_engine::parse_oneof(int id, const char* rest, const char* name, int type, long* value) {
-  if (!valid(id) || !is_oneof(type)) return 0;
   if (is_optional(type)) {
     if (empty(rest)) return 0;
     if (std::strcmp(rest, "=") == 0) report_missing(*this, id, name);

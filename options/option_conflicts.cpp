@@ -9,7 +9,6 @@
 // Applies the conflict row of an option that has just been set to the
 // options set before it (see conflict_value).
 void option_engine::do_conflicts(int id) {
-  if (!valid(id)) return;
   const uint8_t* cells = table_->conflicts + static_cast<size_t>(id) * table_->n;
   for (unsigned other = 0; other < table_->n; ++other) {
     if (option_state[other] == 0 || cells[other] == conflict_none) continue;

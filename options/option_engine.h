@@ -123,20 +123,15 @@ class option_engine {
   // Borrowed from the object; valid until the next record_input_command_line.
   const char* input_command_line() const { return command_line.c_str(); }
 
-  // --- setting
-  void setopt_internal(int id);
+  // --- setting (an id outside the table is ignored)
   void setopt(int id);
   void setopt(int id, long value);
   void setopt(int id, const char* value);
   void setclassmembers(int cls);
   void setarg(int id, long value);
   void setarg(int id, const char* value);
-  void register_option_form(int id, unsigned char form);
-  void parsed_option(int id);
   void clearopt(int id);
   void clearclassmembers(int cls);
-  void add_to_history(int id);
-  void clear_history(int id);
   void record_input_command_line(int argc, char** argv);
   void addfileopt(const std::string& file, const std::string& tool);
   // The set sequence shared by defaults, derived settings and options that
@@ -149,21 +144,12 @@ class option_engine {
   int process_option(const char* text, const char** error_pos);
   void deprecated_case(const char* end, const char* canonical);
 
-  // --- arguments
-  // The checked argument text: a pointer into rest (behind its "="), or the
-  // next token of the stream; null for an optional argument left out. Borrowed
-  // from the caller's text or the stream, never freed here.
-  const char* parse_arg(int id, const char* rest, const char* name, int type,
-                        const arg_range* range);
-  int parse_oneof(int id, const char* rest, const char* name, int type, long* value);
-  void check_numerical_arg(int type, int id, const char* name, const char* arg,
-                           const arg_range* range);
+  // --- numbers by radix
   static int get_radix(char* text);
   static long strtol_by_radix(const char* text, int* bad);
   static unsigned long strtoul_by_radix(const char* text, int* bad);
 
-  // --- conflicts and dependencies
-  void do_conflicts(int id);
+  // --- diagnostics and dependencies
   int report_diagnostic(DIAGNOSTIC& diag);
   virtual void post_process_option_depends();
 
@@ -262,6 +248,24 @@ class option_engine {
   void trace(const char* format, ...) const __attribute__((format(printf, 2, 3)));
   void trace_arg(int id) const;
   void note_in_history(int id, hist_argument arg);
+
+  // the steps of setting an option; id is one of the table's
+  void setopt_internal(int id);
+  void do_conflicts(int id);
+  void register_option_form(int id, unsigned char form);
+  void parsed_option(int id);
+  void add_to_history(int id);
+  void clear_history(int id);
+
+  // arguments; id is one of the table's, type one of its parse types.
+  // parse_arg returns the checked argument text: a pointer into rest (behind
+  // its "="), or the next token of the stream; null for an optional argument
+  // left out. Borrowed from the caller's text or the stream, never freed here.
+  const char* parse_arg(int id, const char* rest, const char* name, int type,
+                        const arg_range& range);
+  int parse_oneof(int id, const char* rest, const char* name, int type, long* value);
+  void check_numerical_arg(int type, int id, const char* name, const char* arg,
+                           const arg_range& range);
 
   // merging internals
   void apply_from(const option_engine& other, int id, int index);

@@ -60,12 +60,10 @@ const char* option_engine::rot13(const char* text) {
 const char* option_engine::format_of_option(int id) const {
   if (!valid(id)) return nullptr;
   const option_row& r = row(id);
-  unsigned form = option_form[id];
-  if (form > 0) {
-    unsigned n = 1;
-    for (const char* const* alt = r.alt_forms; alt && *alt; ++alt, ++n)
-      if (n == form) return rot13(*alt);
-  }
+  // form 0 is the long form, form n the n-th further spelling
+  unsigned n = 1;
+  for (const char* const* alt = r.alt_forms; alt && *alt; ++alt, ++n)
+    if (n == option_form[id]) return rot13(*alt);
   return rot13(r.long_form);
 }
 
@@ -116,7 +114,6 @@ int* option_engine::export_option_class(int type, int cls) const {
 
 std::vector<optlist> option_engine::export_option_pairs(int type, int cls) const {
   std::vector<optlist> pairs;
-  if (cls < 0 || static_cast<unsigned>(cls) >= table_->k) return pairs;
   int* ids = export_option_class(type, cls);
   for (int* id = ids; *id != static_cast<int>(table_->n); ++id) {
     int count = getargcount(*id);

@@ -38,8 +38,6 @@ int option_engine::process_option(const char* text, const char** error_pos) {
       const char* saved = current_option;
       current_option = pos;
       family.failure_pos = pos;
-      if (!implied && *pos != '-' && *pos != '@' && !std::isalpha(static_cast<unsigned char>(*pos)))
-        scan_failure(pos - 1);
       const char* end = nullptr;
       int index = walk(implied, pos, &end);
       // A first character that starts no spelling fails one character back.
@@ -121,7 +119,7 @@ const char* option_engine::run_handler(const scan_row& spelling, const char* res
       arg_range range{};
       range.lowest.value.unum = spelling.low;
       range.highest.value.unum = spelling.high;
-      const char* arg = parse_arg(id, rest, spelling.arg_name, spelling.parse_type, &range);
+      const char* arg = parse_arg(id, rest, spelling.arg_name, spelling.parse_type, range);
       if (!arg) arg = spelling.default_word;
       parsed_option(id);
       setopt_internal(id);

@@ -212,7 +212,6 @@ int option_engine::args_match_list(int id, const char* const* list) const {
 // ------------------------------------------------------------------ setting
 
 void option_engine::setopt_internal(int id) {
-  if (!valid(id)) return;
   ++option_state[id];
   ++option_seen[id];
   trace("Set    option id %s to state %d\n", rot13(table_->enum_to_enumtxt[id]), option_state[id]);
@@ -353,11 +352,10 @@ void option_engine::store_arg(int id, option_arg arg) {
 }
 
 void option_engine::register_option_form(int id, unsigned char form) {
-  if (valid(id)) option_form[id] = form;
+  option_form[id] = form;
 }
 
 void option_engine::parsed_option(int id) {
-  if (!valid(id)) return;
   ++option_parsed[id];
   trace("Parsed option id %s/%d\n", rot13(table_->enum_to_enumtxt[id]), option_parsed[id]);
 }
@@ -387,7 +385,6 @@ void option_engine::clearclassmembers(int cls) {
 // searched and moved, so a single-valued option set again and again costs
 // what was noted since it was last set, however long the history.
 void option_engine::clear_history(int id) {
-  if (!valid(id) || history_count_[id] == 0) return;
   auto first = history.end();
   for (unsigned found = 0; found < history_count_[id];)
     if ((--first)->first == id) ++found;
@@ -403,7 +400,6 @@ void option_engine::note_in_history(int id, hist_argument arg) {
 }
 
 void option_engine::add_to_history(int id) {
-  if (!valid(id)) return;
   if (kind(id) > kind_oneof_list) {
     DIAG::optgen_unhandled_clause_in_add_hist(__FILE__, __LINE__, __LINE__).report();
     return;

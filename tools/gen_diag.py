@@ -74,20 +74,13 @@ def parse_literal(literal):
 def placeholders(text):
     """Field types of the placeholders of a printf format, in order."""
     fields = []
-    i = 0
-    while i < len(text):
-        if text[i] != "%":
-            i += 1
-            continue
-        conv = text[i + 1] if i + 1 < len(text) else ""
+    for conv in re.findall(r"%(.?)", text, re.S):
         if conv == "%":
-            i += 2
             continue
         if conv not in FIELD_OF_CONVERSION:
             raise CatalogueError(
                 "placeholder '%%%s' in std_msg: only %%s and %%u are allowed" % conv)
         fields.append(FIELD_OF_CONVERSION[conv])
-        i += 2
     return fields
 
 
@@ -117,7 +110,6 @@ def parse_row(content):
     if severity not in SEVERITIES:
         raise CatalogueError("unknown severity '%s'" % severity)
     flags = parse_flags(flag_word)
-    literal = literal.strip()
     text = None if literal == "none" else parse_literal(literal)
     if cls == "-":
         if form != "-":

@@ -151,7 +151,6 @@ class Table:
         self.fold_case = False
         self.first_fileopt = None
         self.short_groups = {}   # first letter (lower case) -> continuation
-        self.short_default = "cluster"
         self.in_id_order = False  # records must stand in the order of their ids
         self.expects = []        # (what, count, line): counts the table must reach
         self.help_classes = []   # (ident, title, line)
@@ -170,9 +169,14 @@ def parse_source(path):
     errors = []
     section = None
     record = None
-    with open(path, encoding="utf-8") as src:
-        lines = src.read().split("\n")
-    for lineno, raw in enumerate(lines, 1):
+    with open(path, "rb") as src:
+        lines = src.read().split(b"\n")
+    for lineno, line in enumerate(lines, 1):
+        try:
+            raw = line.decode("utf-8")
+        except UnicodeDecodeError:
+            errors.append("%s:%d: the line is not valid UTF-8" % (path, lineno))
+            continue
         stripped = raw.strip()
         if not stripped or stripped.startswith("#"):
             continue
@@ -189,29 +193,23 @@ def parse_source(path):
         indented = raw[0] in " \t"
         key, args = toks[0], toks[1:]
         if not indented:
-            record = None
-            if key == "table":
-                if len(args) != 1:
-                    fail("'table' takes the family's class name")
-                    continue
-                table.family = args[0]
-                section = "table"
-            elif key == "help_class":
-                if len(args) != 2 or not NAME_RE.match(args[0]):
-                    fail("'help_class' takes an upper-case name and a title")
-                    continue
+            # a line at the margin closes what stood before it, good or bad
+            record, section = None, None
+            if key == "table" and len(args) == 1:
+                table.family, section = args[0], "table"
+            elif key == "table":
+                fail("'table' takes the family's class name")
+            elif key == "help_class" and len(args) == 2 and NAME_RE.match(args[0]):
                 table.help_classes.append((args[0], args[1], lineno))
-                section = None
-            elif key == "option":
-                if len(args) != 1 or not NAME_RE.match(args[0]):
-                    fail("'option' takes one upper-case internal name")
-                    continue
-                record = Record(args[0], lineno)
+            elif key == "help_class":
+                fail("'help_class' takes an upper-case name and a title")
+            elif key == "option" and len(args) == 1 and NAME_RE.match(args[0]):
+                record, section = Record(args[0], lineno), "option"
                 table.records.append(record)
-                section = "option"
+            elif key == "option":
+                fail("'option' takes one upper-case internal name")
             else:
                 fail("unknown section '%s'" % key)
-                section = None
             continue
         if section == "table":
             parse_table_line(table, key, args, lineno, fail)
@@ -243,8 +241,6 @@ def parse_table_line(table, key, args, lineno, fail):
         count = parse_int(args[1], fail, "expect")
         if count is not None:
             table.expects.append((args[0], count, lineno))
-    elif key == "short_default" and len(args) == 1 and args[0] in CONTINUATIONS:
-        table.short_default = args[0]
     elif key == "short_group" and len(args) >= 2 and args[0] in CONTINUATIONS:
         for letter in args[1:]:
             if len(letter) != 1:
@@ -544,7 +540,7 @@ def check_and_derive(path, table):
         for sp in rec.spellings:
             if sp.unscanned:
                 continue
-            key = sp.text[1:].lower() if table.fold_case else sp.text[1:]
+            key = sp.text.lower() if table.fold_case else sp.text
             if key in scan_texts:
                 fail(sp.line, "spelling %s is already a spelling of %s"
                      % (sp.text, scan_texts[key]))
@@ -613,7 +609,7 @@ def check_spellings(table, rec, fail):
         if sp.text == "-" or (sp.text.startswith("--") and len(sp.text) == 2):
             fail(sp.line, "spelling '%s' has no name" % sp.text)
         elif not sp.unscanned and not re.match(r"[-@A-Za-z]", sp.text[1]):
-            # the scanner takes only a dash, "@" or a letter behind the first dash
+            # tokens that start otherwise (numbers, file names) are never options
             fail(sp.line, "spelling '%s' can never be scanned" % sp.text)
     alts = [sp for sp in rec.spellings[1:] if not sp.scan_only and not sp.unscanned]
     # form n names the n-th entry of alt_forms, so unlisted spellings come last
@@ -742,14 +738,14 @@ def check_rule(rec, rule, names, fail):
 
 
 def base_parse(rec):
-    return rec.parse % OPTIONAL_OFFSET if rec.parse is not None and rec.parse < 18 else rec.parse
+    return rec.parse % OPTIONAL_OFFSET
 
 
 def default_continuation(table, sp):
     scan = sp.text[1:]
     if scan.startswith("-"):
         return "end"
-    group = table.short_groups.get(scan[0].lower(), table.short_default)
+    group = table.short_groups.get(scan[0].lower(), "cluster")
     if group == "family" and len(scan) == 1:
         return "cluster"   # a family's base hands the rest back to the scan
     return group
@@ -1030,11 +1026,7 @@ def main(argv):
         sys.stderr.write("\n".join(errors) + "\n")
         return 1
     os.makedirs(os.path.dirname(output) or ".", exist_ok=True)
-    try:
-        generate(table, output, os.path.basename(source))
-    except ValueError as err:
-        sys.stderr.write("%s:0: %s\n" % (source, err))
-        return 1
+    generate(table, output, os.path.basename(source))
     return 0
 
 

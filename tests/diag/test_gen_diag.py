@@ -37,12 +37,13 @@ class GeneratorTest(unittest.TestCase):
         self.assertFalse(os.path.exists(self.output))
 
     def test_good_catalogue_gives_rows_and_classes(self):
-        top = "2147483647 debug - - - none\n"
+        top = '13 remark - - - ""\n2147483647 debug - - - none\n'
         self.assertEqual(self.generate("# comment\n\n" + GOOD + top).returncode, 0)
         self.assertEqual(self.generated("DIAG_ROW("), [
             'DIAG_ROW(10, error, false, false, "plain \\\\ %s")',
             'DIAG_ROW(11, advice, false, true, "%s and %s, 100%%")',
             'DIAG_ROW(12, fatal, true, false, "from %u to %u in \\"%s\\"")',
+            'DIAG_ROW(13, remark, false, false, "")',
             'DIAG_ROW(2147483647, debug, false, false, nullptr)'])
         self.assertEqual(self.generated("DIAG_CLASS("), [
             "DIAG_CLASS(twice, 1, 11, one_arg, 2, str)",
@@ -66,8 +67,8 @@ class GeneratorTest(unittest.TestCase):
             b'2147483648 error  -  -  -  "x"\n' b'24 error  -  -  pattern  "x"\n'
             b'25 error  -  1c  pattern  "x"\n' b'26 error  -  c  pattern  none\n'
             b'27 error  -  d  one_arg  "x"\n' b'28 error  -  e  one_arg  "%s %u"\n'
-            b'29 error  -  -  -  "100%"\n',
-            "4: code 12 is duplicate", "5: unknown severity 'loud'",
+            b'29 error  -  -  -  "100%"\n' b'30 error  -  -  -  "\n',
+            "4: code 12 is duplicate (previous row has 12)", "5: unknown severity 'loud'",
             "6: unknown flag 'special'", "7: unknown form 'odd'", "8: placeholder '%d'",
             "9: form paren needs exactly one %s", "10: std_msg must be",
             "11: class name 'str' is reserved", "12: the line is not valid UTF-8",
@@ -76,7 +77,8 @@ class GeneratorTest(unittest.TestCase):
             "17: expected: code", "18: code '2x' is not", "19: code 0 out of range",
             "20: code 2147483648 out", "21: form 'pattern' given for a row without",
             "22: class name '1c' is not", "23: class c needs a std_msg",
-            "24: form one_arg needs", "25: form one_arg needs", "26: placeholder '%'")
+            "24: form one_arg needs", "25: form one_arg needs", "26: placeholder '%'",
+            "27: std_msg must be")
         self.expect_failure("# nothing else\n", "1: the catalogue has no rows")
 
 

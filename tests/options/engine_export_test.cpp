@@ -34,12 +34,11 @@ TEST_F(Export, ExportGivesParsableText) {
   char* line = opts.print();
   EXPECT_STREQ(line, "--color=red --keep=high --names=a --names=b --verbose --zip");
   std::free(line);
-  EXPECT_EQ(opts.export_option(T::NAMES, 2), nullptr);
-  EXPECT_EQ(opts.export_option(T::ALPHA_BETA, 0), nullptr);  // not set
-  opts.clearopt(T::COLOR);
-  opts.clearopt(T::VERBOSE);
-  EXPECT_EQ(opts.export_option(T::COLOR, 0), nullptr);                // cleared
-  EXPECT_EQ(opts.export_option(T::VERBOSE, 0), nullptr);
+  opts.clearopt(T::COLOR), opts.clearopt(T::VERBOSE);
+  // no such argument, not set, cleared
+  for (auto [id, index] :
+       {std::pair{T::NAMES, 2}, {T::ALPHA_BETA, 0}, {T::COLOR, 0}, {T::VERBOSE, 0}})
+    EXPECT_EQ(opts.export_option(id, index), nullptr) << id;
   EXPECT_EQ(opts.format_of_option(-1), nullptr);
   const option_row& mode = opts.table().option_definitions[T::MODE];  // help's left column
   EXPECT_STREQ(T::get_opt_txt(mode.long_form, mode.alt_forms, mode.short_form, mode.arg_text,

@@ -16,7 +16,7 @@ using ::testing::ExitedWithCode;
 
 using Scan = test_table_fixture;
 
-constexpr int taken = 99, refused = -99;  // accepted; refused anywhere
+constexpr int taken = 99;  // accepted
 
 // One token on a fresh object: where its scan stopped, as an offset into the
 // token (taken if it is accepted), then the options it leaves set.
@@ -42,12 +42,16 @@ TEST_F(Scan, TokensAcceptedAndWhatTheySet) {
       // family members follow each other; the family's base hands the rest back
       {"gtga", taken, {{T::TRACE, 1, ""}, {T::OVER_A, 1, ""}}},
       {"gv", taken, {{T::OVER_B, 1, ""}, {T::VERBOSE, 1, ""}}},
-      {"gax", refused, {}},
+      {"gax", 1, {}},
+      {"gta", taken, {{T::TRACE, 1, ""}, {T::OVER_A, 1, ""}}},  // the family's letter implied
       // arguments glued to a short form; optional ones left out take the row's word, if any
       {"nfirst", taken, {{T::NAMES, 1, "first"}}},
       {"r", taken, {{T::RATE, 1, "3"}}},
       {"r4", taken, {{T::RATE, 1, "4"}}},
       {"-zip", taken, {{T::ZIP, 1, ""}}},
+      {"-hex=0", taken, {{T::HEX, 1, "0x0"}}},
+      {"-color", taken, {{T::COLOR, 1, "green"}}},  // a required argument from the next token
+      {"-alpha_beta", taken, {{T::ALPHA_BETA, 1, "green"}}},
       {"mFAST", taken, {{T::MODE, 1, "fast"}}},
       // options set as well: by a word, not by a number that names none, by one more
       {"-format=COFF", taken, {{T::MODE, 1, "fast"}}},
@@ -56,24 +60,26 @@ TEST_F(Scan, TokensAcceptedAndWhatTheySet) {
       {"-tallyvv", taken, {{T::NUMBER, 3, "3"}}},
   };
   diag_capture capture;  // the family's members override each other
+  const auto stream = T::next_arg;
+  T::next_arg = [] { return "green"; };
   for (const scan_case& c : cases) {
     SCOPED_TRACE(c.token);
     T fresh;
     const char* stop = nullptr;
     EXPECT_EQ(fresh.process_option(c.token, &stop), c.stop == taken);
-    if (c.stop != taken && c.stop != refused) {
+    if (c.stop != taken) {
       EXPECT_EQ(stop - c.token, c.stop);
     }
     expect_facts(fresh, c.after);
   }
+  T::next_arg = stream;
 }
 
 TEST_F(Scan, WhatAnOptionDoesBeyondBeingStored) {
   DIAGNOSTIC::remarks_m = true;
   diag_capture capture;
-  run("-tallyvx");
-  run("-number=9223372036854775807");
-  run("-tally");  // a count at its largest stays there
+  for (const char* token : {"-tallyvx", "-number=9223372036854775807", "-tally"})
+    run(token);  // a count at its largest stays there
   EXPECT_EQ(opts.getnumarg(T::NUMBER, 0), std::numeric_limits<long>::max());
   // Named handlers, then deprecation notices by their severity.
   run("-align=8");
@@ -82,9 +88,8 @@ TEST_F(Scan, WhatAnOptionDoesBeyondBeingStored) {
   EXPECT_EQ(capture_output(stderr, [this] { run("-color=Crimson"); }),
             "WARNING: argument 'crimson' to option '--color' is deprecated and will be removed "
             "in a future release\n");
-  run("-align=6");
-  run("-old_remark");
-  run("-old_warning");
+  for (const char* token : {"-align=6", "-old_remark", "-old_warning"})
+    run(token);
   EXPECT_EQ(opts.error_count, 1);
   EXPECT_EQ(opts.option_state[T::ALPHA], 1);
   EXPECT_EQ(opts.option_parsed[T::ALPHA], 0u);
@@ -113,7 +118,7 @@ TEST(Radix, SuffixesAndPrefixesPickTheRadix) {
   const std::tuple<const char*, long, int> cases[] = {
       {"1Fh", 31, 0},  {"FFH", 255, 0}, {"17q", 15, 0},  {"017", 15, 0},
       {"0x1F", 31, 0}, {"0q", 0, 0},    {"42", 42, 0},   {"19q", 19, 1},
-      {"-1Fh", -1, 1}, {"", 0, 1},      {"12ab", 12, 1},
+      {"-1Fh", -1, 1}, {"", 0, 1},      {"12ab", 12, 1}, {"078", 7, 1},
   };
   for (const auto& [text, value, bad] : cases) {
     int found_bad = 0;
@@ -144,6 +149,7 @@ TEST_F(Scan, RefusedTokensEndTheRunWithAMessageNamingOptionAndArgument) {
       {"-alpha_beta=", "option --alpha_beta is missing its parameter 'word'"},
       {"-number", "option --number is missing its parameter"},
       {"-rate=", "option --rate is missing its parameter '0-5'"},
+      {"-mode=", "option --mode is missing its parameter 'mode'"},
       {"-color=gre", "bad argument to option --color: should be one of \\{red,green\\}"},
       {"-hard_b", "option --hard_b conflicts with previous option --hard_a"},
   };

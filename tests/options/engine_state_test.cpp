@@ -11,6 +11,9 @@ using State = test_table_fixture;
 
 // setarg on an unseen option sets it first.
 TEST_F(State, StoredValues) {
+  for (int bad : {-1, int{T::OPTION_COUNT}})  // ids outside the table are ignored
+    opts.setopt(bad), opts.setopt(bad, 1L), opts.setopt(bad, "x"), opts.apply(bad, "x"),
+        opts.setarg(bad, 1L), opts.setarg(bad, "x"), opts.clearopt(bad);
   opts.setarg(T::NUMBER, 12L);
   ASSERT_EQ(opts.history.size(), 2u);              // the constructor's default, then NUMBER
   EXPECT_EQ(opts.history.back().second.text, "");  // noted before the value came
@@ -39,11 +42,10 @@ TEST_F(State, StoredValues) {
 }
 
 TEST_F(State, ClassesCountMembersAndClassZeroMeansAll) {
-  EXPECT_EQ(opts.isclass(T::ZIP, 0), 1);
-  EXPECT_EQ(opts.isclass(T::ZIP, 1), 0);
-  EXPECT_EQ(opts.isclass(T::ALPHA_BETA, 2), 1);
-  EXPECT_EQ(opts.isclass(T::ALPHA, 4), 0);
-  EXPECT_EQ(opts.isclass(T::OPTION_COUNT, 0), 0);
+  EXPECT_EQ(std::make_tuple(opts.isclass(T::ZIP, 0), opts.isclass(T::ZIP, 1),
+                            opts.isclass(T::ALPHA_BETA, 2), opts.isclass(T::ALPHA, 4),
+                            opts.isclass(T::OPTION_COUNT, 0)),
+            std::make_tuple(1, 0, 1, 0, 0));
   opts.setopt(T::class_id(1));
   expect_facts(opts, {{T::ALPHA, 1, ""}, {T::ALPHA_BETA, 1, ""}});
   EXPECT_EQ(opts.testclass(1), 2);
@@ -83,7 +85,12 @@ TEST_F(State, CopiesAreDeep) {
   target.process_option("-alpha", nullptr);
   target.error_count = 2;
   run("-color=green");
+  opts.debug = 2, opts.merging = true, opts.source_name = "a.cmd", opts.current_option = "x";
   target = opts;
+  EXPECT_EQ(std::tie(target.debug, target.merging, target.source_name, target.current_option),
+            std::tie(opts.debug, opts.merging, opts.source_name, opts.current_option));
+  EXPECT_TRUE(target.option_form == opts.option_form &&
+              target.option_parsed == opts.option_parsed && target.option_seen == opts.option_seen);
   expect_facts(target, {{T::COLOR, 1, "green"}, {T::ALPHA, 0, ""}});
   EXPECT_EQ(target.history.size(), 2u);  // KEEP and ALPHA, its own
   EXPECT_EQ(target.error_count, 2);
@@ -101,9 +108,8 @@ TEST_F(State, FileOptionsEnterTheHistoryByTool) {
   opts.addfileopt("c.x", "nosuchtool");
   opts.addfileopt("", "asmzorv");
   ASSERT_EQ(opts.history.size(), 4u);
-  EXPECT_EQ(opts.history[1].first, 40 + 7);
-  EXPECT_EQ(opts.history[2].first, 40 + 16);
-  EXPECT_EQ(opts.history[3].first, 40);
+  EXPECT_EQ(std::tie(opts.history[1].first, opts.history[2].first, opts.history[3].first),
+            std::make_tuple(40 + 7, 40 + 16, 40));
   EXPECT_EQ(opts.history[3].second.number, -1);
   EXPECT_NE(capture.text().find("No known tool \"nosuchtool\" when adding file to option list."),
             std::string::npos);

@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """The option table generator refuses bad sources with FILE:LINE messages."""
 import os
+import pathlib
 import subprocess
 import sys
 import tempfile
@@ -26,19 +27,27 @@ def record(name, *lines):
 
 
 ONEOF = ("kind oneof", "parse oneof", "arg x", "items +on +off")
+# What a table may expect to hold, and how many the counting case's records hold.
+COUNTS = ("items 2 internal 1 hidden 1 persistent 1 defaults 1 arg_optional 1 sort_order_500 2 "
+          "class_cells 1 conflict_cells 1 rules 1 policies 2 override_rows 2 override_groups 1 "
+          "merge_conflict_cells 1 passto 1 policy_or 1 policy_custom 1 policy_max 0").split()
 STR = ("kind string", "parse text", "arg x")
 
 # Each case: the source (behind HEADER; a "table" line in it reopens the
-# header), and every message the generator must print, without its "bad.opt:"
-# (none: it generates).
+# header; bytes stand alone), and every message the generator must print,
+# without its "bad.opt:" (none: it generates).
 CASES = [
     (record("A"), []),
+    (b"", ["1: no 'table' header"]), (HEADER.replace("  fold_case no\n", "").encode(), []),
+    (b"table option_obj_x\n", ["1: no help_class declared"] + ["1: table header lacks '%s'" % f
+     for f in ("debug_prefix", "class_columns", "alt_slots", "first_fileopt")]),
+    (b"table \xe9\n", ["1: the line is not valid UTF-8"]),
     (record("A") + record("A"), ["12: option A defined twice (first at line 8)",
                                  "13: spelling --a is already a spelling of A"]),
     (record("A", "kind strange"), ["12: bad option line 'kind strange'"]),
     (record("A", *ONEOF, "default maybe"), ["16: default 'maybe' is no item of A"]),
-    (record("A", "conflicts 2 B", "conflicts 3 B") + record("B", "spelling --a"),
-     ["13: conflict of A with B is both 2 and 3", "18: spelling --a is already a spelling of A"]),
+    (record("B", "spelling --a") + record("A", "conflicts 2 B", "conflicts 3 B"),
+     ["18: conflict of A with B is both 2 and 3", "12: spelling --a is already a spelling of A"]),
     (record("A", "also_sets B=on") + record("B"),
      ["12: B takes no argument, so also_sets gives it no word"]),
     (record("A", "spelling -5"), ["12: spelling '-5' can never be scanned"]),
@@ -56,26 +65,32 @@ CASES = [
       "21: merge group solo has a single member", "31: 'maybe' is no item of C",
       "36: merge_pair needs 'merge custom'"]),
     (record("A", "merge sometimes"), ["12: bad option line 'merge sometimes'"]),
-    (record("A", "passto lnkzorv nosuchtool=-x"),
-     ["12: passto names unknown tool 'nosuchtool'"]),
+    (record("A", "passto lnkzorv nosuchtool=-x asmzorv="),
+     ["12: passto names unknown tool 'nosuchtool'", "12: passto asmzorv= needs a text"]),
     (record("A", "passto lnkzorv=-x asmzorv lnkzorv=-x"),
      ["12: passto gives a tool the same text twice"]),
-    ("table option_obj_x\n  in_id_order yes\n" + record("B") + record("A"),
-     ["14: option A must sort after B, which stands before it"]),
-    ("table option_obj_x\n  expect options 1\n  expect hidden 3\n  expect passto 2\n"
-     "  expect override_rows 1\n"
-     + record("A", "flags hidden", "passto") + record("B", "flags hidden"),
-     ["10: the table should have at least 3 hidden but has 2",
-      "11: the table should have at least 2 passto but has 1",
-      "12: the table should have at least 1 override_rows but has 0"]),
+    ("table option_obj_x\n  in_id_order yes\n  fold_case yes\n" + record("B")
+     + record("A", "spelling --A") + record("A"),
+     ["15: option A must sort after B, which stands before it", "20: option A defined twice "
+      "(first at line 15)", "20: option A must sort after A, which stands before it"]
+     + ["%d: spelling --%s is already a spelling of A" % p for p in ((19, "A"), (21, "a"))]),
+    ("table option_obj_x\n  expect options 3\n" + "".join("  expect %s 9\n" % w
+                                                           for w in COUNTS[::2])
+     + record("A", "flags hidden persistent internal", "classes 1", "merge or", "merge_group g",
+              "passto", "conflicts 1 B", "merge_conflicts B", 'rule without B warning "x"',
+              "sort_order 1")
+     + record("B", "kind oneof", "parse optional oneof", "arg x", "items +on +off", "default on",
+              "merge_group g", "merge custom", "merge_pair on off on") + record("C"),
+     ["%d: the table should have at least 9 %s but has %s" % (10 + i, w, n)
+      for i, (w, n) in enumerate(zip(COUNTS[::2], COUNTS[1::2]))]),
     ("table a b\nhelp_class lower \"x\"\noption lower\nfrobnicate\n  spelling --x\n"
      "table option_obj_x\n  class_columns x\n  short_group cluster a\n  short_group end A ab\n"
      "  bad_key 1\n" + record("A", "spelling x", "spelling --a2 weird", "parse optional nothing",
-                                "range 5 1", "flags odd", "items x", "action fly",
+                                "range 5 1", "flags odd", "items + x", "action fly",
                                 "also_sets B=on sometimes", "rule with", "conflicts 4 B",
-                                "kind flag", "kind flag", 'arg "x'),
-     ["8: 'table' takes the family's class name",
-      "9: 'help_class' takes an upper-case name and a title",
+                                "kind flag", "kind flag", 'arg "x', "deprecated odd x", "conflicts 2"),
+     ["8: 'table' takes the family's class name", "35: bad option line 'deprecated odd x'",
+      "9: 'help_class' takes an upper-case name and a title", "36: bad option line 'conflicts 2'",
       "10: 'option' takes one upper-case internal name", "11: unknown section 'frobnicate'",
       "12: indented line outside a table header or option record",
       "14: class_columns must be a number, not 'x'", "16: character 'A' is in two short groups",
@@ -83,7 +98,7 @@ CASES = [
       "22: a spelling begins with '-'", "23: unknown spelling flag 'weird'",
       "24: unknown parse type 'optional nothing'", "25: range 5..1 is empty",
       "26: unknown flag 'odd'", "27: an item is a mark (+, * or -) and a word, not 'x'",
-      "28: unknown action 'fly'",
+      "28: unknown action 'fly'", "27: an item is a mark (+, * or -) and a word, not '+'",
       "29: also_sets takes TARGET[=word] [when WORD | by_number WORDS... | increment]",
       "30: rule takes [when WORD] with|without OPTION[=WORD,...] error|warning TEXT",
       "31: conflict values are 1, 2 or 3", "32: bad option line 'kind flag'",
@@ -95,8 +110,8 @@ CASES = [
      + record("B", "spelling -e shown_first", "spelling -f shown_first", "kind string",
               "parse unsigned").replace("--b\n", "--b shown_first\n")
      + record("C", *STR, "range 1 2", "action verbose_template").replace("MAIN", "NONE")
-     + record("D", "kind oneof", "parse oneof", "arg x", "default_word on", "conflicts 1 D Z",
-              "conflict_group g 1", "conflict_group h 1", "merge_conflicts D Z")
+     + record("D", "kind oneof_list", "parse oneof_list", "arg x", "default_word on",
+              "conflicts 1 D Z", "conflict_group g 1", "conflict_group h 1", "merge_conflicts D Z")
      + record("E", *STR, "items +a -A +a-b +a_b", "also_sets Z", "also_sets D=zz",
               "also_sets A when q", "also_sets A by_number a", "also_sets A increment",
               "conflict_group g 2", "merge custom")
@@ -130,23 +145,18 @@ CASES = [
 ]
 
 
-def run(source):
-    with tempfile.TemporaryDirectory() as tmp:
-        path = os.path.join(tmp, "bad.opt")
-        with open(path, "w") as out:
-            out.write(HEADER + source)
-        proc = subprocess.run([sys.executable, GENERATOR, path, os.path.join(tmp, "x.inc")],
-                              capture_output=True, text=True)
-        return proc.returncode, proc.stderr.replace(path, "bad.opt"), sorted(os.listdir(tmp))
-
-
 class BadSources(unittest.TestCase):
     def test_each_fault_is_named_with_its_line(self):
         for source, messages in CASES:
-            with self.subTest(source=source):
-                code, err, files = run(source)
-                self.assertEqual((code, "x.inc" in files), (1, False) if messages else (0, True))
-                self.assertEqual(sorted(err.splitlines()),
+            with self.subTest(source=source), tempfile.TemporaryDirectory() as tmp:
+                path, output = os.path.join(tmp, "bad.opt"), os.path.join(tmp, "out", "x.inc")
+                text = source if isinstance(source, bytes) else (HEADER + source).encode()
+                pathlib.Path(path).write_bytes(text)
+                proc = subprocess.run([sys.executable, GENERATOR, path, output],
+                                      capture_output=True, text=True)
+                self.assertEqual((proc.returncode, os.path.exists(output)),
+                                 (1, False) if messages else (0, True))
+                self.assertEqual(sorted(proc.stderr.replace(path, "bad.opt").splitlines()),
                                  sorted("bad.opt:" + m for m in messages))
 
 
@@ -157,8 +167,7 @@ class ManPage(unittest.TestCase):
         with tempfile.TemporaryDirectory() as tmp:
             paths = [os.path.join(tmp, name) for name in ("a.opt", "in", "page")]
             for path, text in zip(paths, (source, "@VERSION@\n@OPTIONS@\n")):
-                with open(path, "w") as out:
-                    out.write(text)
+                pathlib.Path(path).write_text(text)
             tool = os.path.join(os.path.dirname(GENERATOR), "gen_manpage.py")
             subprocess.run([sys.executable, tool, paths[0], paths[1], "9.9", paths[2]], check=True)
             with open(paths[2]) as page:

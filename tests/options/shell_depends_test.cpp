@@ -102,6 +102,9 @@ TEST_F(ShellDepends, SmallDataModelStopsBeforeTheRules) {
   EXPECT_EXIT(opts.post_process_option_depends(), ::testing::ExitedWithCode(1),
               ::testing::AllOf(::testing::HasSubstr("Small memory model is no longer supported"),
                                ::testing::Not(::testing::HasSubstr("optimizer_comments"))));
+  S s(true);  // an error of the scan ends the run after the pass
+  EXPECT_EXIT((s.process_option("-cdebug_asm_data", nullptr), s.post_process_option_depends()),
+              ::testing::ExitedWithCode(1), "cdebug_asm_data is no longer supported");
 }
 
 }  // namespace
