@@ -14,8 +14,11 @@
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
+
+#include <atomic>
 #include <filesystem>
 #include <set>
+#include <thread>
 
 namespace {
 
@@ -82,6 +85,26 @@ TEST_F(ReplaceFile, KeepsPermissionBitsAndSymbolicLinks) {
   const mode_t mask = umask(0);  // a new document gets what the umask leaves of 0666
   umask(mask);
   EXPECT_EQ(fs::status(dir.file("made.xml")).permissions(), static_cast<fs::perms>(0666 & ~mask));
+}
+
+// A FIFO is written as a stream that waits for a reader taking its time.
+TEST_F(ReplaceFile, AFifoGetsAllOfATextLongerThanThePipeHolds) {
+  const std::string fifo = dir.file("fifo.xml"), text(1 << 20, 'x');
+  ASSERT_EQ(mkfifo(fifo.c_str(), 0666), 0);
+  const int in = open(fifo.c_str(), O_RDONLY | O_NONBLOCK);  // open before the writer's
+  std::atomic<bool> done = false;
+  std::thread writer([&] {
+    EXPECT_NO_THROW(replace_file(fifo, text));
+    done = true;
+  });
+  usleep(50000);  // the pipe fills, and the writer waits for room
+  std::string got(text.size() + 1, '\0');
+  size_t size = 0;
+  for (ssize_t n; (n = read(in, got.data() + size, got.size() - size)) > 0 || !done;)
+    size += static_cast<size_t>(std::max<ssize_t>(n, 0));
+  writer.join();
+  close(in);
+  EXPECT_EQ(size, text.size());
 }
 
 TEST_F(ReplaceFile, AFailedWriteLeavesTheOldFileAndNoNewOne) {

@@ -228,6 +228,10 @@ TEST_F(Documents, TheLargestCleanBarIsTheOnlyGreenOne) {
   EXPECT_EQ(bars(), "1:500:yellow 2:800:yellow 3:800:green 4:5000:red ");
   build("append", "--opt_for_speed", "4", 700, -1);  // a link without an error count is clean
   EXPECT_EQ(bars(), "1:500:yellow 2:800:yellow 3:800:green 4:700:yellow ");
+  // An end without its value is refused, so it advises no series result.
+  capture_output(stderr,
+                 [&] { run({"--benchmark:event=end", "--benchmark:option=--opt_for_speed"}); });
+  EXPECT_EQ(ADVICE(advice_path.c_str()).get_entries().count("27011"), 0u);
   run({"--benchmark:event=start", "--benchmark:option=--opt_for_speed"});
   EXPECT_EQ(bars(), "");
 }

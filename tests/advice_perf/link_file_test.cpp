@@ -62,12 +62,13 @@ TEST(LinkFile, ReadsWhatTheParserWouldGiveTheTree) {
        "18 -1 v1 a&B<&amp &x;=i"},
       {"a hexadecimal digit counts in a decimal reference, and the code wraps",
        link_file("&#4a;&#x10000000000000031;", "<object_component_list/>", no_groups), "33 -1 v1"},
-      {"text pieces join, each trimmed and condensed but for sections and attributes",
+      {"text pieces join, each trimmed and condensed but for sections and attributes; a "
+       "reference of 2, 3 or 4 bytes",
        link_file(" 0x1 <!-- c --> 2 <b>9</b><![CDATA[3]]>4\n", one_component,
                  "<logical_group_list><logical_group id=' g\t1 '><size>2</size>"
-                 "<name>\n .text \t x <![CDATA[ y ]]></name><contents/></logical_group>"
-                 "</logical_group_list>"),
-       "4660 -1 v1 a=i  g\t1 =2:.text x y :"},
+                 "<name>\n .text \t x&#xe9;&#x20AC;&#128512; <![CDATA[ y ]]></name><contents/>"
+                 "</logical_group></logical_group_list>"),
+       "4660 -1 v1 a=i  g\t1 =2:.text x\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80 y :"},
       {"the first of repeated elements or attributes counts; a bool may be a word; v2 is none",
        link_file("1</link_time><version>v2</version><link_time>2",
                  "<object_component_list><object_component id='a' id='b'><uninitialized>true"
