@@ -86,6 +86,8 @@ TEST(LinkFile, ReadsWhatTheParserWouldGiveTheTree) {
        link_file("1", one_component, no_groups) + "<x y='&#x110000;'/>", "0 -1 v-1"},
       {"an unterminated comment empties the file", link_file("1", one_component, "<!-- "),
        "0 -1 v-1"},
+      {"a document type's subset is passed over, '>' and all",
+       "<!DOCTYPE l [<!ENTITY e '><x>'>]>" + link_file("1", one_component, no_groups), "1 -1 v1 a=i"},
       {"a comment alone is a document without link_info", "<!-- c -->",
        "No such node (link_info.link_time)"},
       {"a group without size", link_file("1", one_component,
