@@ -10,8 +10,8 @@ and the generators (tools/*.py): lines that the suite runs, measured once in a
 the work tree adds there since it parted from BASE; --only narrows either to
 the paths that start with PREFIX.  On each line it applies
 one mutant, picked at random from the operators below, rebuilds build-mutate/
-(release flags with LeakSanitizer, so that a dropped free fails its test as in
-the sanitizer build) incrementally, runs the CTest suite with a per-test
+(with AddressSanitizer, leak detection and UndefinedBehaviorSanitizer, as the
+test command's second run, so that an overrun or a dropped free fails its test) incrementally, runs the CTest suite with a per-test
 timeout until the first failure, and puts the line back (also on Ctrl-C or
 SIGTERM; a run killed outright leaves a journal that the next run restores first).
 
@@ -259,9 +259,10 @@ class Build:
         self.dir = os.path.join(ROOT, args.build_dir)
         self.jobs = args.jobs
         self.timeout = args.timeout
-        # Out of memory is a null pointer, as the tests that exhaust memory expect.
+        # As the test command's second run: out of memory is a null pointer, as the
+        # tests that exhaust memory expect, and leaks fail.
         self.env = dict(os.environ, CCACHE_DIR=os.path.join(self.dir, "ccache"),
-                        LSAN_OPTIONS="allocator_may_return_null=1")
+                        ASAN_OPTIONS="detect_leaks=1:allocator_may_return_null=1")
 
     def configure(self, extra=()):
         if os.path.exists(os.path.join(self.dir, "build.ninja")):
@@ -648,8 +649,7 @@ def main():
             say("%s:%d: [%s] %s \u2192 %s" % (path, number, op, original.strip(),
                                               mutated.strip()))
         return
-    build.configure(["-DCMAKE_CXX_FLAGS_RELEASE=-O2 -DNDEBUG -fsanitize=leak",
-                     "-DCMAKE_EXE_LINKER_FLAGS=-fsanitize=leak"])
+    build.configure(["-DADVZORV_SANITIZE=ON", "-DCMAKE_CXX_FLAGS_RELEASE=-O1"])
     status, out = build.build()
     if status != 0:
         die("the build fails without mutants:\n" + out[-3000:])
