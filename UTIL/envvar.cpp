@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <vector>
 
 #include "UTIL/version.h"
 
@@ -59,16 +60,15 @@ char* blank_separated_value(const char* raw) {
 }  // namespace
 
 char* tool_getenv(const char* name, char** used_name) {
-  std::string candidates[3];
-  int count = 0;
+  std::vector<std::string> candidates;
   for (const char* prefix : {isa_name_prefix(), isa_name_prefix_secondary()})
-    if (prefix != nullptr) candidates[count++] = std::string(prefix) + "_" + name;
-  candidates[count++] = name;
+    if (prefix != nullptr) candidates.push_back(std::string(prefix) + "_" + name);
+  candidates.emplace_back(name);
 
-  for (int i = 0; i < count; ++i) {
-    const char* value = getenv(candidates[i].c_str());
+  for (const std::string& candidate : candidates) {
+    const char* value = getenv(candidate.c_str());
     if (value == nullptr) continue;
-    if (used_name != nullptr) *used_name = new_copy(candidates[i].c_str());
+    if (used_name != nullptr) *used_name = new_copy(candidate.c_str());
     return new_copy(value);
   }
   return nullptr;

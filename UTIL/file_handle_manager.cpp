@@ -31,6 +31,15 @@ int compare_descending(const void* a, const void* b, Key key) {
   return (ka < kb) - (ka > kb);
 }
 
+// A standard file: it holds its stream from the start, takes no slot and has no
+// place in files.
+FHM_FILE* standard_file(FILE_HANDLE_MANAGER* manager, const char* name, const char* mode,
+                        FILE* stream) {
+  FHM_FILE* file = new FHM_FILE(manager, name, mode, -1);
+  file->stream = stream;
+  return file;
+}
+
 }  // namespace
 
 int compar_access(const void* a, const void* b) {
@@ -66,13 +75,9 @@ FILE_HANDLE_MANAGER& FILE_HANDLE_MANAGER::FHM() {
 FILE_HANDLE_MANAGER::FILE_HANDLE_MANAGER()
     : files(new_table(max_files)),
       handles(new_table(max_handles)),
-      std_in(new FHM_FILE(this, "(stdin)", "r", -1)),
-      std_out(new FHM_FILE(this, "(stdout)", "w", -1)),
-      std_err(new FHM_FILE(this, "(stderr)", "w", -1)) {
-  std_in->stream = stdin;
-  std_out->stream = stdout;
-  std_err->stream = stderr;
-}
+      std_in(standard_file(this, "(stdin)", "r", stdin)),
+      std_out(standard_file(this, "(stdout)", "w", stdout)),
+      std_err(standard_file(this, "(stderr)", "w", stderr)) {}
 
 FILE_HANDLE_MANAGER::~FILE_HANDLE_MANAGER() {
   for (int32_t index = 0; index < next_file; ++index)

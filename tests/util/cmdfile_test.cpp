@@ -1,7 +1,10 @@
 #include "UTIL/cmdfile.h"
 
+#include <unistd.h>
+
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -50,6 +53,20 @@ TEST(Fnextopt, Tokenizes) {
   for (const auto& c : cases)
     EXPECT_EQ(tokens(c.content), c.expected) << c.content;
   EXPECT_EQ(fnextopt(nullptr), nullptr);
+}
+
+// A directory is refused, a file is opened even as descriptor 0 (standard input
+// closed), and no second one opens while one is.
+TEST(OpenCommandFile, RefusesDirectoriesAndNestingAndTakesAnyDescriptor) {
+  EXPECT_EQ(open_command_file("/"), nullptr);
+  EXPECT_EQ(errno, EISDIR);
+  const int input = dup(0);
+  close(0);
+  FILE* stream = open_command_file("/dev/null");
+  EXPECT_EQ(open_command_file("/dev/null"), nullptr);
+  EXPECT_EQ(errno, EBUSY);
+  EXPECT_EQ(stream ? fclose(stream) : EOF, 0);
+  dup2(input, 0), close(input);
 }
 
 // The other aborts are the end-to-end cases'; exit(-1) reaches the parent as 255.

@@ -81,6 +81,7 @@ TEST_F(FileHandles, AFullFileTableDefragmentsOrGrows) {
   ASSERT_NE(fhm.open(name(0).c_str(), "r"), nullptr);
   EXPECT_EQ(fhm.max_files, 1024);
   EXPECT_EQ(fhm.next_file, 1023);
+  EXPECT_FALSE(fhm.fragmented);
   EXPECT_EQ(fhm.files[0], files[1]);
   EXPECT_EQ(files[101]->file_index, 99);
   ASSERT_NE(fhm.open(name(0).c_str(), "r"), nullptr);

@@ -62,7 +62,7 @@ TEST(FileNames, SplittingAndExtensionsFollowTheLastSlashAndDot) {
     EXPECT_STREQ(buffer, c.replaced) << c.name;
   }
   char* base;
-  const std::string long_base(600, 'x');  // a part is cut to 499 characters
+  const std::string long_base(500, 'x');  // a part is cut to 499 characters
   fn_split((long_base + ".c").c_str(), nullptr, &base, nullptr);
   EXPECT_EQ(std::string(base), long_base.substr(0, 499));
   fn_split(nullptr, nullptr, &base, nullptr);

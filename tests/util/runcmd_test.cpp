@@ -1,5 +1,6 @@
 #include "UTIL/runcmd.h"
 
+#include <sys/resource.h>
 #include <sys/stat.h>
 
 #include <gtest/gtest.h>
@@ -54,9 +55,9 @@ class RunCommand : public testing::Test {
 };
 
 // Two arguments whose line counts 1022 characters (the dashes don't count), or
-// 1023 with longer.
+// 1023 with longer; the second is quoted in a command file.
 std::vector<std::string> line_of(bool longer) {
-  return {"--" + std::string(510, 'y'), std::string(longer ? 511 : 510, 'z')};
+  return {"--" + std::string(510, 'y'), "." + std::string(longer ? 510 : 509, 'z')};
 }
 
 // The child's exit status is the result; a child killed by a signal kills the
@@ -97,8 +98,7 @@ TEST_F(RunCommand, LongLinesGoThroughAQuotedCommandFile) {
   // Short lines, and any line of a tool without a command-file option, go unquoted.
   EXPECT_EQ(run(recorder, line_of(false), "-@"), 0);
   EXPECT_EQ(seen(), line_of(false)[0] + "\n" + line_of(false)[1] + "\n");
-  const std::vector<std::string> args = {"path\\", "--.opt", "1ab",
-                                         std::string(1100, 'f')};
+  const std::vector<std::string> args = {"path\\", "--.opt", "1ab", std::string(1100, 'f')};
   const std::string plain = args[0] + "\n" + args[1] + "\n" + args[2] + "\n" + args[3] + "\n";
   EXPECT_EQ(run(recorder, args), 0);
   EXPECT_EQ(seen(), plain);
@@ -107,7 +107,7 @@ TEST_F(RunCommand, LongLinesGoThroughAQuotedCommandFile) {
   EXPECT_EQ(seen(), plain);
   enable_command_files();
   EXPECT_EQ(run(recorder, line_of(true), "-@"), 0);
-  EXPECT_EQ(cmdfile(), line_of(true)[0] + "\n" + line_of(true)[1] + "\n");
+  EXPECT_EQ(cmdfile(), line_of(true)[0] + "\n\"" + line_of(true)[1] + "\"\n");
 
   argv_list list(recorder.c_str(), "-@", 0);
   list.args = args;
@@ -131,6 +131,12 @@ TEST_F(RunCommand, LongLinesGoThroughAQuotedCommandFile) {
   EXPECT_EQ(err.rfind("Cannot open temporary command file '" + tmp.path() + "/", 0), 0u) << err;
   EXPECT_NE(err.find("': File name too long\n"), std::string::npos) << err;
   EXPECT_FALSE(fn_exists(tmp.file("seen").c_str()));
+  // A command file that can't be written whole is not run.
+  const rlimit small{100, 100};
+  EXPECT_EXIT((signal(SIGXFSZ, SIG_IGN), setrlimit(RLIMIT_FSIZE, &small),
+               exit(run(recorder, {std::string(5000, 'f')}, "-@", 0, true))),
+              testing::ExitedWithCode(255),
+              "^Cannot write to temporary command file .*: File too large\n$");
 
   timing_info times{1, 2, 3};
   std::string out =

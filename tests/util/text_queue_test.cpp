@@ -27,9 +27,9 @@ TEST(TextQueue, SortOrdersAndColumns) {
   for (sort_method method : {sort_by_key, static_cast<sort_method>(0)})
     EXPECT_EQ(listing(3, method, {{"--bx", "b"}, {"-c", "c"}, {"-a", "a"}, {"--a", "a"}}),
               "T\n  -a  A\n  --a A\n  --b B\n  -c  C\n");
-  // A single entry falls back to one column. Printing empties the queue.
-  EXPECT_EQ(listing(4, sort_as_added, {{"-a", "a"}}, 2), "T\n  -a   A\n");
-  EXPECT_EQ(print_queue(1, sort_by_key, 0), 0);
+  // One entry falls back to one column; width 0 takes the longest key yet, "--bx".
+  EXPECT_EQ(listing(0, sort_as_added, {{"-a", "a"}}, 2), "T\n  -a   A\n");
+  EXPECT_EQ(print_queue(1, sort_by_key, 0), 0);  // printing emptied the queue
   // By priority, the highest first, and equal ones by key.
   init_queue("P", 2, sort_by_priority);
   queueup("-b", "b", 1), queueup("-c", "c", 2), queueup("-a", "a", 1);
