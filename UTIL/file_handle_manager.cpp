@@ -187,8 +187,6 @@ void FILE_HANDLE_MANAGER::defragment_file_handles() {
     files[count]->file_index = count;
     ++count;
   }
-  for (int32_t i = count; i < next_file; ++i)
-    files[i] = nullptr;
   next_file = count;
   fragmented = false;
 }

@@ -44,6 +44,7 @@ class FILE_HANDLE_MANAGER {
   int32_t max_files = 1024;  // capacity of files; doubled when full
   int32_t max_handles = 12;
   FHM_FILE** files;           // all managed files; a closed one leaves a null until defragmented
+                              // (the entries from next_file on are unused)
   FHM_FILE** handles;         // the file holding each stream slot, or null
   int32_t next_file = 0;      // first index of files unused since the last defragmentation
   uint64_t access_clock = 0;  // counts opens and accesses
