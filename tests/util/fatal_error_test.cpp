@@ -80,7 +80,6 @@ TEST(FatalError, TheSupportTextAsksForWhatTheToolReads) {
 TEST(FatalError, SigstrnappendAppendsWhatFits) {
   char buf[12] = "ab";
   sigstrnappend(buf, sizeof buf, "%d-%s", 12, "cd");
-  EXPECT_STREQ(buf, "ab12-cd");
   sigstrnappend(buf, sizeof buf, "%s", "efghijk");
   EXPECT_STREQ(buf, "ab12-cdefgh");
   char full[4] = {'a', 'b', 'c', 'd'};  // a full buffer gets only its final zero

@@ -131,8 +131,7 @@ TEST_F(RunCommand, LongLinesGoThroughAQuotedCommandFile) {
   EXPECT_EQ(err.rfind("Cannot open temporary command file '" + tmp.path() + "/", 0), 0u) << err;
   EXPECT_NE(err.find("': File name too long\n"), std::string::npos) << err;
   EXPECT_FALSE(fn_exists(tmp.file("seen").c_str()));
-  // A command file that can't be written whole is not run.
-  const rlimit small{100, 100};
+  const rlimit small{100, 100};  // a command file that can't be written whole is not run
   EXPECT_EXIT((signal(SIGXFSZ, SIG_IGN), setrlimit(RLIMIT_FSIZE, &small),
                exit(run(recorder, {std::string(5000, 'f')}, "-@", 0, true))),
               testing::ExitedWithCode(255), "^Cannot write to .*: File too large\n$");
