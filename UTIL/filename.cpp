@@ -55,14 +55,11 @@ const char base62[] = "0123456789abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTU
 
 // The prefix of temporary names: two letters and three base-62 digits of the pid.
 const char* tmp_prefix() {
-  static char prefix[6];
+  static char prefix[] = "zv???";
   const long pid = static_cast<long>(getpid());
-  prefix[0] = 'z';
-  prefix[1] = 'v';
   prefix[2] = base62[(pid / 3844) % 62];
   prefix[3] = base62[(pid / 62) % 62];
   prefix[4] = base62[pid % 62];
-  prefix[5] = '\0';
   return prefix;
 }
 
@@ -137,24 +134,17 @@ void fn_split(const char* name, char** dir, char** base, char** ext) {
 }
 
 char* fn_build(char* dest, const char* dir, const char* base, const char* ext) {
-  const bool has_dir = dir != nullptr && *dir != '\0';
-  const bool has_ext = ext != nullptr && *ext != '\0';
-  if (dest == nullptr) {
-    const size_t size = (has_dir ? strlen(dir) + 1 : 0) + (base ? strlen(base) : 0) +
-                        (has_ext ? strlen(ext) + 1 : 0) + 1;
-    dest = static_cast<char*>(safemalloc(size));
+  std::string name;
+  if (dir != nullptr && *dir != '\0') {
+    name = dir;
+    if (name.back() != '/') name += '/';
   }
-  dest[0] = '\0';
-  if (has_dir) {
-    strcat(dest, dir);
-    if (dir[strlen(dir) - 1] != '/') strcat(dest, "/");
+  if (base) name += base;
+  if (ext != nullptr && *ext != '\0') {
+    if (*ext != '.') name += '.';
+    name += ext;
   }
-  if (base) strcat(dest, base);
-  if (has_ext) {
-    if (*ext != '.') strcat(dest, ".");
-    strcat(dest, ext);
-  }
-  return dest;
+  return dest ? strcpy(dest, name.c_str()) : safestrdup(name.c_str());
 }
 
 void fn_addext(char* name, const char* ext, int replace) {

@@ -69,6 +69,7 @@ TEST_F(FileHandles, FailedOpensLeaveNoTraceAndPersistentAndStandardFilesStayOpen
   EXPECT_TRUE(fhm_close(fhm_stdout()) == 0 && fhm_stdout()->fp() == stdout &&
               fhm_stderr()->fp() == stderr);
   EXPECT_STREQ(fhm_stdin()->name(), "(stdin)");
+  EXPECT_EQ(write_to_string(fhm_stats).rfind(" File Manager Statistics\n", 0), 0u);
 }
 
 // A closed file leaves a hole until the table is full: then it is

@@ -71,10 +71,10 @@ TEST(FileNames, SplittingAndExtensionsFollowTheLastSlashAndDot) {
   EXPECT_STREQ(buffer, "a.c");
   EXPECT_EQ(fn_matches_ext("src/main.c", ".c"), 0);
 
-  char* built = fn_build(nullptr, "out", nullptr, ".o");  // "/" added, "." not doubled
-  EXPECT_STREQ(built, "out/.o");
+  char* built = fn_build(nullptr, "out", "x", ".o");  // "/" added, "." not doubled
+  EXPECT_STREQ(built, "out/x.o");
   free(built);
-  EXPECT_STREQ(fn_build(buffer, nullptr, "main", nullptr), "main");
+  EXPECT_STREQ(fn_build(buffer, nullptr, nullptr, "o"), ".o");
 
   for (auto [name, base] : {std::pair<const char*, const char*>{"x/y/z.c", "z.c"},
                             {"z.c", "z.c"}, {"", nullptr}, {nullptr, nullptr}})
