@@ -24,8 +24,8 @@ void fill_text(FILE* stream, const char* text, const char* padding) {
 
   long start = 0;
   long last_break = 0;
-  for (bool first = true;; first = false) {
-    const long reach = first ? line : last_break + line;
+  for (;;) {
+    const long reach = last_break + line;
     const bool fits = end <= reach;
     const long candidate = fits ? end : reach;
 

@@ -107,8 +107,7 @@ TEST(StrCase, ComparisonsGiveTheFoldedDifferenceAndSearchesTheOffset) {
 
 TEST(SafeMallocDeathTest, ExhaustionEndsTheProcess) {
   const size_t impossible = SIZE_MAX - 16;
-  // A sanitizer's allocator may warn first.
-  const char* message = "ERROR: out of memory\n$";
+  const char* message = "ERROR: out of memory\n$";  // a sanitizer's allocator may warn first
   EXPECT_EXIT(safemalloc(impossible), testing::ExitedWithCode(1), message);
   EXPECT_EXIT(saferealloc(nullptr, impossible), testing::ExitedWithCode(1), message);
   EXPECT_EXIT(safecalloc(impossible, 2), testing::ExitedWithCode(1), message);

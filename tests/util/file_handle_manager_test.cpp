@@ -53,8 +53,7 @@ TEST_F(FileHandles, FailedOpensLeaveNoTraceAndPersistentAndStandardFilesStayOpen
   EXPECT_EQ(fhm.open(tmp.file("missing").c_str(), "r"), nullptr);
   EXPECT_EQ(fhm.open(nullptr, "r"), nullptr);
   EXPECT_EQ(fhm.close(nullptr), EOF);
-  EXPECT_EQ(fhm.next_file, 0);
-  EXPECT_EQ(fhm.handles[0], nullptr);
+  EXPECT_TRUE(fhm.next_file == 0 && fhm.handles[0] == nullptr);
   std::vector<FHM_FILE*> files = open_many(12);
   for (FHM_FILE* file : files)
     file->set_persistent(true);

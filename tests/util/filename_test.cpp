@@ -98,6 +98,7 @@ TEST(FileNames, FilesOnDisk) {
   EXPECT_EQ(seen, (std::set<std::string>{".", "..", "a", "b"}));
   EXPECT_EQ(flag, 0);
   EXPECT_EQ(fn_get_dir_entry(nullptr, &flag), nullptr);  // the directory was forgotten
+  fn_get_dir_entry(tmp.path().c_str(), &flag);  // left open, then closed by the next opening
   EXPECT_EQ(fn_get_dir_entry(missing.c_str(), &flag), nullptr);
 
   EXPECT_EQ(fn_exists(a.c_str()), 1);

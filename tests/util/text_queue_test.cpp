@@ -22,8 +22,7 @@ std::string listing(int width, sort_method sort, const entries& queued, int colu
 TEST(TextQueue, SortOrdersAndColumns) {
   // By key, leading dashes skipped; equal keys keep their order; method 0 sorts by key too.
   // Texts begin in upper case, keys are cut to the width; a new queue drops the unprinted.
-  init_queue("X", 3, sort_by_key);
-  queueup("-z", "z", 0);
+  init_queue("X", 3, sort_by_key), queueup("-z", "z", 0);
   for (sort_method method : {sort_by_key, static_cast<sort_method>(0)})
     EXPECT_EQ(listing(3, method, {{"--bx", "b"}, {"-c", "c"}, {"-a", "a"}, {"--a", "a"}}),
               "T\n  -a  A\n  --a A\n  --b B\n  -c  C\n");
@@ -70,6 +69,8 @@ TEST(FillText, WrapsAtBlanksAndIndentsContinuationsAndKeepsLongWordsWhole) {
   const std::string huge(100, 'x');
   EXPECT_EQ(filled("short " + huge + " tail", ""), "short\n " + huge + "\n tail\n");
   EXPECT_EQ(filled(huge, "  "), huge + "\n");
+  EXPECT_EQ(filled("abc " + std::string(66, 'x') + " d", std::string(10, '.')),  // 70 is too far
+            "abc\n" + indent + std::string(66, 'x') + " d\n");
   EXPECT_EQ(filled("one two", std::string(100, ' ')), "one\n" + std::string(101, ' ') + "two\n");
 }
 
