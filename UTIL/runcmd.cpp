@@ -74,9 +74,10 @@ char* concat(const char* prefix, size_t prefix_length, const char* quote, const 
   return text;
 }
 
-void free_list(char** list, int count) {
-  for (int i = 0; i < count; ++i)
-    free(list[i]);
+// Frees a list made by new_list and filled up to its null, with its strings.
+void free_list(char** list) {
+  for (char** entry = list; *entry != nullptr; ++entry)
+    free(*entry);
   free(list);
 }
 
@@ -115,7 +116,7 @@ void show_argv(char** argv, int count) {
   for (int i = 0; i < count; ++i)
     printf("%s ", quoted[i]);
   printf("\n");
-  free_list(quoted, count);
+  free_list(quoted);
 }
 
 long clock_rate() {
@@ -205,7 +206,7 @@ int invoke(const char* command, char** args, int count, timing_info* times, bool
       }
     }
   }
-  free_list(argv, count + 1);
+  free_list(argv);
   return result;
 }
 
@@ -286,7 +287,7 @@ int run_through_command_file(const char* command, char** args, int count,
     }
   }
   free(name);
-  free_list(quoted, count);
+  free_list(quoted);
   return result;
 }
 
@@ -327,7 +328,7 @@ int run_command(const char* command, char** args, int count, const char* cmd_fil
     char** plain = new_list(count);
     quote_arguments(count, args, plain, false);
     result = invoke(command, plain, count, &taken, report);
-    free_list(plain, count);
+    free_list(plain);
   }
   if (times) {
     times->real_time += taken.real_time;
@@ -419,7 +420,7 @@ int argv_list::execute(bool report, timing_info* times) {
   const int result = run_command(command.c_str(), plain, count,
                                  cmd_file_option.empty() ? nullptr : cmd_file_option.c_str(),
                                  echo_level, report, times);
-  free_list(plain, count);
+  free_list(plain);
   return result;
 }
 
