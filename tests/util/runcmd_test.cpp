@@ -163,8 +163,8 @@ TEST_F(RunCommand, ArgvListsCollectFormatAndRunTheirArguments) {
   EXPECT_EQ(list.cmd_file_option, "");
   list.add("one");
   list.add(std::string("two"));
-  const std::string long_arg = "-O3=" + std::string(40, 's');  // longer than its format
-  list.addf("-O%d=%s", 3, std::string(40, 's').c_str());
+  const std::string long_arg = "-O3=ssss";  // one longer than its format, with its end
+  list.addf("-O%d=%s", 3, "ssss");
   EXPECT_EQ(list.del(3), 0);
   EXPECT_EQ(list.del(1), 1);
   EXPECT_STREQ(list.getarg(1), long_arg.c_str());
