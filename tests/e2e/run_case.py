@@ -9,19 +9,16 @@ A case directory holds:
   expected/stdout   exact standard output (missing file: must be empty)
   expected/stderr   exact standard error (missing file: must be empty)
   expected/stderr.re, expected/stdout.re
-                    instead of the exact file: a regular expression the whole
-                    stream must match (for texts the system supplies, such as
-                    strerror words)
-  expected/files/   files the working directory must hold afterwards, compared exactly
-                    but for the word @TIMESTAMP@, which stands for the hexadecimal
-                    time stamp of the run
-  signal            optional: the name of a signal (SIGINT, SIGTERM, ...). The tool
-                    then reads its command file from the FIFO "cmd.fifo" in the
-                    working directory; the signal is sent while it waits for input.
-The program is started with argv[0] "advzorv", so texts that show it are stable.
-With a third argument, a folder of XML Schemas, each document that the run wrote
-(named by --advice_file= or --benchmarks_file=) must also validate against its
-schema there.
+                    instead of the exact file: a regular expression the whole stream must
+                    match (for texts the system supplies, such as strerror words)
+  expected/files/   files the working directory must hold afterwards, compared exactly but
+                    for @TIMESTAMP@, which stands for the hexadecimal time stamp of the run
+  signal            optional: the name of a signal (SIGINT, SIGTERM, ...). The tool then
+                    reads its command file from the FIFO "cmd.fifo" in the working
+                    directory; the signal is sent while it waits for input.
+The program is started with argv[0] "advzorv", so texts that show it are stable. With a third
+argument, a folder of XML Schemas, each document that the run wrote (named by --advice_file=
+or --benchmarks_file=) must also validate against its schema there.
 """
 import os, pathlib, re, shutil, signal, subprocess, sys, tempfile, time
 
