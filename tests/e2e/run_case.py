@@ -3,7 +3,7 @@
 
 A case directory holds:
   args              the arguments, one per line, passed as they stand (no shell); a line
-                    {documents} stands for the three arguments of DOCUMENTS
+                    {documents} or {files} stands for the arguments SHORTHANDS gives it
   input/            files copied into a fresh working directory, where the tool runs
   expected/status   the exit status (a number; -1 is written as 255; missing file: 0)
   expected/stdout   exact standard output (missing file: must be empty)
@@ -44,6 +44,8 @@ def matches_document(expected, actual):
 
 
 DOCUMENTS = ["--advice_file=advice.xml", "--benchmarks_file=perf.xml", "--xml_link_info=link.xml"]
+SHORTHANDS = {"{documents}": DOCUMENTS,
+              "{files}": [*DOCUMENTS, "--linker_options_file=options.cmd"]}
 SCHEMAS = {"--advice_file=": "advice.xsd", "--benchmarks_file=": "perf_results.xsd"}
 
 
@@ -97,7 +99,7 @@ def main():
     binary, case = os.path.abspath(sys.argv[1]), os.path.abspath(sys.argv[2])
     args_file = os.path.join(case, "args")
     lines = read(args_file).splitlines() if os.path.exists(args_file) else []
-    args = [arg for line in lines for arg in (DOCUMENTS if line == "{documents}" else [line])]
+    args = [arg for line in lines for arg in SHORTHANDS.get(line, [line])]
     failures = []
     with tempfile.TemporaryDirectory(prefix="advzorv-e2e-") as tmp:
         work, inputs = os.path.join(tmp, "work"), os.path.join(case, "input")
