@@ -304,12 +304,16 @@ class Build:
     def durations(self):
         """{test name: seconds} of a whole run of the suite, which must pass."""
         cmd = ["ctest", "--test-dir", self.dir, "-j", str(self.jobs), "--timeout",
-               str(self.timeout)]
+               str(max(self.timeout, 600))]
         status, out = run(cmd, env=self.env)
         if status != 0:
             die("the suite fails without mutants:\n" + out[-3000:])
-        return {n: float(t) for n, t in
-                re.findall(r"Test +#\d+: (\S+) \.*\s+Passed\s+([\d.]+) sec", out)}
+        times = {n: float(t) for n, t in
+                 re.findall(r"Test +#\d+: (\S+) \.*\s+Passed\s+([\d.]+) sec", out)}
+        # A slow test on a busy machine is no hang: the limit leaves the slowest
+        # test three times its own time.
+        self.timeout = max(self.timeout, int(3 * max(times.values(), default=0)) + 1)
+        return times
 
     def objects(self):
         hashes = {}
@@ -629,7 +633,7 @@ def main():
     parser.add_argument("--changed", metavar="BASE", help="sample the lines changed since BASE")
     parser.add_argument("--only", metavar="PREFIX", action="append",
                         help="sample only files whose path starts with PREFIX (repeatable)")
-    parser.add_argument("--timeout", type=int, default=60, help="seconds per test")
+    parser.add_argument("--timeout", type=int, default=60, help="seconds per test, at least (default 60; three times the slowest test's time without mutants if that is more)")
     parser.add_argument("--jobs", type=int, default=2)
     parser.add_argument("--build-dir", default="build-mutate")
     parser.add_argument("--list", action="store_true", help="print the sample, run nothing")

@@ -30,15 +30,12 @@ TEST(BuildSettings, LevelAndGoalFromTheTokensThatSetThem) {
   const std::pair<std::vector<const char*>, settings> cases[] = {
       {{}, {-1, 2}},  // unoptimised, with the default goal
       {{"-O"}, {2, 2}},
-      {{"-O3"}, {3, 2}},
       {{"-o0"}, {0, 2}},
       {{"--opt_level=4"}, {4, 2}},
-      {{"-Ooff"}, {-1, 2}},
       {{"-O3", "--no_high_level_opt"}, {-1, 2}},
       {{"--no_high_level_opt", "-O3"}, {3, 2}},
       {{"--opt_for_speed"}, {-1, 4}},
       {{"--opt_for_speed=1"}, {-1, 1}},
-      {{"-mf5"}, {-1, 5}},
       {{"--opt_for_space"}, {-1, 0}},
       {{"-ms"}, {-1, 0}},
       {{"--size_speed_goal=LOW_RISK_PERFORMANCE"}, {-1, 3}},

@@ -276,7 +276,6 @@ TEST_F(Documents, TheLevelAdviceFollowsLevelAndDebugInformation) {
       {{}, none + debug},
       {{"-Ooff", "--symdebug:none"}, none},
       {{"-O0"}, low + debug},
-      {{"-O2"}, low + debug},
       {{"-O4"}, ""},
       {{"-O3"}, three + " and debug ability will decrease."},
       {{"-O3", "--symdebug:none"}, three + "."},

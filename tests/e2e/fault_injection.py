@@ -3,12 +3,7 @@
 the in-place path. After EIO a document is byte-identical, or complete with every old
 bar, or complete beside its old file kept; after EINTR, what a run without the fault
 writes. Usage: fault_injection.py ADVZORV CASES_DIR (status 77: no strace)"""
-import os
-import re
-import shutil
-import subprocess
-import sys
-import tempfile
+import os, re, shutil, subprocess, sys, tempfile
 import xml.etree.ElementTree as ET
 
 from document_safety import Project

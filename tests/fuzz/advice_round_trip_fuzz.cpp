@@ -16,6 +16,7 @@
 #include "ADVICE_PERF/link_data.h"
 #include "ADVICE_PERF/xml_text.h"
 #include "tests/fuzz/fuzz_support.h"
+#include "tests/util/temp_dir.h"
 
 namespace {
 
@@ -74,7 +75,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   } catch (const std::exception&) {
     return 0;  // a document the reader refuses is not written
   }
-  if (!well_formed(file_text(path))) fail("the written text is not well-formed XML");
+  if (!well_formed(read_file(path))) fail("the written text is not well-formed XML");
   const ADVICE second(path, link);
   if (second.get_entries() != entries || second.get_link_advice_flag() != flag)
     fail("the document read back differs");

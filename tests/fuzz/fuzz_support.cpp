@@ -5,8 +5,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
-#include <fstream>
-#include <sstream>
 #include <utility>
 
 #include "ADVICE_PERF/driver.h"
@@ -15,6 +13,7 @@
 #include "UTIL/process_end.h"
 #include "options/optobj.h"
 #include "options/optobj_shell.h"
+#include "tests/util/temp_dir.h"
 
 namespace {
 [[noreturn]] void throw_ending(int status) {
@@ -49,8 +48,7 @@ const char* input_file(const uint8_t* data, size_t size) {
     std::string path = "/tmp/advzorv-fuzz-" + std::to_string(getpid()) + ".xml";
     ~scratch_file() { std::remove(path.c_str()); }
   } file;
-  std::ofstream(file.path, std::ios::binary | std::ios::trunc)
-      .write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
+  write_file(file.path, std::string(reinterpret_cast<const char*>(data), size));
   return file.path.c_str();
 }
 
@@ -61,12 +59,6 @@ void read_input(const uint8_t* data, size_t size,
     read(input_file(data, size));
   } catch (const std::exception&) {
   }
-}
-
-std::string file_text(const char* path) {
-  std::ostringstream text;
-  text << std::ifstream(path, std::ios::binary).rdbuf();
-  return text.str();
 }
 
 bool scan_tokens(const uint8_t* data, size_t size, const char* (**next_arg)(),

@@ -33,9 +33,6 @@ const char* input_file(const uint8_t* data, size_t size);
 void read_input(const uint8_t* data, size_t size,
                 const std::function<void(const char* path)>& read);
 
-// The whole text of a file; empty when it can't be read.
-std::string file_text(const char* path);
-
 // The option scanners' input is a command file: hands each of its words starting with '-' to
 // scan (without the '-') while the stream is open, from which the option family's next_arg
 // also reads. False when the run ended before the last word.

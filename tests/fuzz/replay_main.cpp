@@ -3,11 +3,10 @@
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <vector>
 
 #include "tests/fuzz/fuzz_support.h"
+#include "tests/util/temp_dir.h"
 
 namespace fs = std::filesystem;
 
@@ -23,9 +22,8 @@ int main(int argc, char** argv) {
   }
   std::sort(inputs.begin(), inputs.end());
   for (const auto& input : inputs) {
-    std::ifstream file(input, std::ios::binary);
-    const std::vector<uint8_t> data{std::istreambuf_iterator<char>(file), {}};
-    LLVMFuzzerTestOneInput(data.data(), data.size());
+    const std::string data = read_file(input);
+    LLVMFuzzerTestOneInput(reinterpret_cast<const uint8_t*>(data.data()), data.size());
   }
   std::printf("replayed %zu inputs\n", inputs.size());
   return inputs.empty() ? 1 : 0;
