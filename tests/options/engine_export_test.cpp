@@ -19,13 +19,14 @@ std::vector<int> ids(int* list) {
   return out;
 }
 
+// A result lives through four further calls.
 TEST(Rot13, IsItsOwnInverseAndSwapsDashAndPercent) {
-  std::string scrambled = option_engine::rot13("--Help_me-Zz%");
-  EXPECT_EQ(scrambled, "%%Uryc_zr%Mm-");
-  EXPECT_STREQ(option_engine::rot13(scrambled.c_str()), "--Help_me-Zz%");
+  const char* scrambled = option_engine::rot13("--Help_me-Zz%");
+  EXPECT_STREQ(option_engine::rot13(scrambled), "--Help_me-Zz%");
   EXPECT_STREQ(option_engine::rot13(nullptr), "");
-  EXPECT_EQ(std::string(option_engine::rot13(std::string(500, 'a').c_str())),
-            std::string(500, 'n'));
+  for (int call = 0; call < 3; ++call)
+    EXPECT_EQ(option_engine::rot13(std::string(500, 'a').c_str()), std::string(500, 'n'));
+  EXPECT_STREQ(scrambled, "%%Uryc_zr%Mm-");
 }
 
 TEST_F(Export, ExportGivesParsableText) {
