@@ -80,6 +80,7 @@ TEST(ReadXmlFile, NestingAndEndlessInputAreBounded) {
     write_file(path, xml);
     EXPECT_EQ(read_xml_file(path.c_str()).empty(), !readable) << xml.substr(0, 30);
   }
+  EXPECT_FALSE(nested_too_deep(("<a !>" + nested(max_xml_depth + 1, "")).c_str()));  // an error
   EXPECT_TRUE(read_xml_file("/dev/zero").empty());
   EXPECT_TRUE(read_xml_file(dir.path().c_str()).empty());
 }
