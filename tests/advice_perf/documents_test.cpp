@@ -14,6 +14,7 @@
 
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <filesystem>
@@ -104,6 +105,9 @@ TEST(LoadFileText, RegularFilesAndPipesShareOneSizeRule) {
     }
     close(ends[0]);
   }
+  close(0);  // without standard input the file is opened as descriptor 0, and closed again
+  FILE_TEXT file;
+  EXPECT_TRUE(load_file_text(path.c_str(), file) && fcntl(0, F_GETFD) == -1);
 }
 
 // Moves on at every reading: only a time read once per run keeps both documents on one stamp.
