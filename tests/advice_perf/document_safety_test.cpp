@@ -145,6 +145,9 @@ TEST_F(ReplaceFile, KeepsAnUnreadableOldFileClearsWhatEndedRunsLeftAndFitsNames)
   replace_file(longest, "two", old_document::kept);
   EXPECT_EQ(read_file(longest), "two");
   EXPECT_EQ(names().size(), 5u);  // with the document and its kept old file
+  fs::remove(dir.file(".perf.xml.advzorv-unreadable"));  // nowhere to keep it: no write
+  fs::create_directory(dir.file(".perf.xml.advzorv-unreadable"));
+  EXPECT_THROW(replace_file(doc, "third", old_document::kept), xml_parser_error);
 
   fs::create_symlink("loop.xml", dir.file("loop.xml"));
   EXPECT_THROW(replace_file(dir.file("loop.xml"), "x"), xml_parser_error);
