@@ -114,9 +114,7 @@ void PERF_RESULTS::append() {
 void PERF_RESULTS::update_bar_chart(std::string color, uint32_t value) {
   // The key as the document will hold it, so a key with bytes XML can't carry
   // finds its bar again in the next run.
-  const std::string key =
-      strict_xml_text(benchmarking ? tool_option_text(option_obj::BENCHMARK__OPTION_VALUE) : "");
-  if (key.empty()) return;
+  const std::string key = strict_xml_text(tool_option_text(option_obj::BENCHMARK__OPTION_VALUE));
   bars[key] = PERF_INFO{value, std::move(color)};
 }
 

@@ -61,6 +61,7 @@ class PERF_RESULTS : public PTREE_INFO {
   void start_build_run();
   // Adds the bar of the build just linked, if the link is new and has a size.
   void append();
+  // Sets the bar of this build's option value, which every appending event has.
   void update_bar_chart(std::string color, uint32_t value);
   // Colours the bars of a size-vs-speed series and returns the best key, or "".
   // "mf" is the short form of --opt_for_speed; the toolchain knows the step by this name.

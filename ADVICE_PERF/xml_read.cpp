@@ -22,7 +22,7 @@ constexpr int parse_flags = rapidxml::parse_normalize_whitespace | rapidxml::par
 // the parser's own lexical rules and character tables; at the first error it
 // stops and leaves the verdict to the parser, which fails at that point too.
 // Text outside the elements, which the parser refuses but for a leading byte
-// order mark, is passed over.
+// order mark, is passed over, and so is the '>' that ends a tag.
 class DEPTH_SCAN {
  public:
   explicit DEPTH_SCAN(const char* text) : p(reinterpret_cast<const unsigned char*>(text)) {}
@@ -41,7 +41,6 @@ class DEPTH_SCAN {
         skip(tables::lookup_node_name);
         skip(tables::lookup_whitespace);
         if (*p != '>') return false;
-        ++p;
         --depth;
         continue;
       }
@@ -102,7 +101,6 @@ class DEPTH_SCAN {
         depth += *p == '[' ? 1 : *p == ']' ? -1 : 0;
       }
     }
-    ++p;
     return FLAT;
   }
 
@@ -126,15 +124,8 @@ class DEPTH_SCAN {
       ++p;
       skip(tables::lookup_whitespace);
     }
-    if (*p == '>') {
-      ++p;
-      return OPENED;
-    }
-    if (p[0] == '/' && p[1] == '>') {
-      p += 2;
-      return FLAT;
-    }
-    return ERROR;
+    if (*p == '>') return OPENED;
+    return p[0] == '/' && p[1] == '>' ? FLAT : ERROR;
   }
 
   const unsigned char* p;

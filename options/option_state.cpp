@@ -137,15 +137,14 @@ const char* option_engine::getstrarg(int id, unsigned index) const {
     case kind_string:
     case kind_string_list:
       return arg.text.c_str();
-    case kind_hexnum:
-      format = "0x%lX";
-      break;
     case kind_oneof:
     case kind_oneof_list:
-      if (const char* word = item_word(id, arg.value)) return word;
-      break;
     case kind_number:
     case kind_number_list:
+      if (const char* word = item_word(id, arg.value)) return word;  // numbers have no items
+      break;
+    case kind_hexnum:
+      format = "0x%lX";
       break;
     default:
       DIAG::optgen_invalid_list_handler(__FILE__, __LINE__, __LINE__).report();

@@ -133,7 +133,7 @@ def check_form(row):
     if row.cls is None:
         return
     if row.form == "one_arg":
-        if not row.fields or len(set(row.fields)) != 1:
+        if len(set(row.fields)) != 1:
             raise CatalogueError(
                 "form one_arg needs placeholders that are all of one type")
     if row.form == "paren" and row.fields != ["str"]:

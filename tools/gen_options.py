@@ -213,7 +213,7 @@ def parse_source(path):
             continue
         if section == "table":
             parse_table_line(table, key, args, lineno, fail)
-        elif section == "option" and record is not None:
+        elif record is not None:
             parse_record_line(record, key, args, lineno, fail)
         else:
             fail("indented line outside a table header or option record")

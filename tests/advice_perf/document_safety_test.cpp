@@ -33,7 +33,7 @@ TEST(StrictXmlText, ReplacesWhatXmlCannotCarryAndKeepsTheRest) {
       {"plain -O3 \t\n\r", "plain -O3 \t\n\r"},
       {"caf\xC3\xA9 \xE2\x82\xAC \xF0\x9F\x98\x80 \xEF\xBF\xBD",
        "caf\xC3\xA9 \xE2\x82\xAC \xF0\x9F\x98\x80 " + r},
-      {std::string("a\x01z\0", 4), "a" + r + "z" + r},
+      {std::string("a\x1Fz\0", 4), "a" + r + "z" + r},  // the last C0 control
       {"caf\xE9!", "caf" + r + "!"},                        // a Latin-1 byte
       {"\xC0\x80\xE0\x9F\xBF", r + r + r + r + r},          // overlong NUL and U+07FF
       {"\xED\xA0\x80\xED\xBF\xBF", r + r + r + r + r + r},  // the first and last surrogate
@@ -131,6 +131,9 @@ TEST_F(ReplaceFile, KeepsAnUnreadableOldFileClearsWhatEndedRunsLeftAndFitsNames)
   replace_file(longest, "two", old_document::kept);
   EXPECT_EQ(read_file(longest), "two");
   EXPECT_EQ(names().size(), 5u);  // with the document and its kept old file
+  fs::remove(dir.file(".perf.xml.advzorv-unreadable"));  // nowhere to keep it: no write
+  fs::create_directory(dir.file(".perf.xml.advzorv-unreadable"));
+  EXPECT_THROW(replace_file(doc, "third", old_document::kept), xml_parser_error);
 
   fs::create_symlink("loop.xml", dir.file("loop.xml"));
   EXPECT_THROW(replace_file(dir.file("loop.xml"), "x"), xml_parser_error);

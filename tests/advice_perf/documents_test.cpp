@@ -70,7 +70,7 @@ TEST(ReadXmlFile, NestingAndEndlessInputAreBounded) {
   const std::string inside = "<!-- <b> --><![CDATA[<c>]]><?p <d> ?><!x <e>><f/>text";
   const std::pair<std::string, bool> cases[] = {
       {nested(max_xml_depth, inside), true},
-      {nested(max_xml_depth + 1, inside), false},
+      {"<?\?>" + nested(max_xml_depth + 1, inside), false},
       {"<!DOCTYPE a [<!ENTITY g \"[]></y>\">]>" + nested(max_xml_depth + 1, ""), false},
       {"<r>" + nested(1, "") + nested(max_xml_depth - 1, "") + "</r>", true},
       {"<r>" + nested(1, "") + nested(max_xml_depth, "") + "</r>", false},
@@ -80,6 +80,7 @@ TEST(ReadXmlFile, NestingAndEndlessInputAreBounded) {
     write_file(path, xml);
     EXPECT_EQ(read_xml_file(path.c_str()).empty(), !readable) << xml.substr(0, 30);
   }
+  EXPECT_FALSE(nested_too_deep(("<a !>" + nested(max_xml_depth + 1, "")).c_str()));  // an error
   EXPECT_TRUE(read_xml_file("/dev/zero").empty());
   EXPECT_TRUE(read_xml_file(dir.path().c_str()).empty());
 }
@@ -103,6 +104,8 @@ TEST(LoadFileText, RegularFilesAndPipesShareOneSizeRule) {
     }
     close(ends[0]);
   }
+  FILE_TEXT file;  // without standard input the file is opened as descriptor 0, and closed again
+  EXPECT_TRUE((close(0), load_file_text(path.c_str(), file)) && close(0) == -1);
 }
 
 // Moves on at every reading: only a time read once per run keeps both documents on one stamp.

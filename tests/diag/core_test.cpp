@@ -45,16 +45,16 @@ TEST_F(CoreDeathTest, HundredthErrorGoesOnAndTheNextOneEndsTheRun) {
 }
 
 TEST_F(CoreTest, DebugModeMakesErrorsAndFatalErrorsHarmless) {
-  DIAGNOSTIC::push_debug_mode(true);
+  const auto pop = [] { return DIAGNOSTIC::pop_debug_mode(), DIAGNOSTIC::debug_mode_m; };
+  DIAGNOSTIC::push_debug_mode(true), DIAGNOSTIC::push_debug_mode(true);
   DIAGNOSTIC::display_code_m = true;  // an error row is discretionary, a fatal one not
   DIAG::optgen_no_small_memmodel(__FILE__, __LINE__).report();
   for (int i = 0; i < 150; ++i)
     report_error(i);
-  DIAGNOSTIC::pop_debug_mode();
-  EXPECT_FALSE(DIAGNOSTIC::debug_mode_m);
+  EXPECT_TRUE(pop());
+  EXPECT_FALSE(pop());
   DIAGNOSTIC::debug_mode_m = true;
-  DIAGNOSTIC::pop_debug_mode();  // empty stack
-  EXPECT_FALSE(DIAGNOSTIC::debug_mode_m);
+  EXPECT_FALSE(pop());  // empty stack
   EXPECT_EQ(DIAGNOSTIC::error_count_m, 0);
   EXPECT_EQ(output().rfind("fatal error #24034: Small memory model is no longer supported\n"
                            "error #24040-D: 0\n", 0), 0u);
@@ -70,6 +70,7 @@ TEST_F(CoreTest, AllocCopiesFieldsAndPositionAndEqualityIgnoresArgumentsAndAppro
   DIAG::optgen_conflict_option other_args(__FILE__, __LINE__, "-p", "-q"),
       moved(__FILE__, __LINE__, "-x", "-y");
   DIAG::optgen_conflict_override_option other_row(__FILE__, __LINE__, "-x", "-y");
+  EXPECT_EQ(std::unique_ptr<DIAGNOSTIC>(other_row.alloc())->srcinfo, nullptr);  // no position
   other_args.set_src(&here_approx);
   moved.set_src(&next_line);
   other_row.set_src(&here);

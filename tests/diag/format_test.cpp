@@ -47,6 +47,7 @@ TEST_F(FormatTest, SpPrintLineWidthsAreExactly66And69) {
             std::string(66, 'x') + next + std::string(69, 'y') + next + "z");
   EXPECT_EQ(sp(x66 + std::string(60, 'y') + " " + std::string(9, 'z')),
             std::string(66, 'x') + next + std::string(60, 'y') + next + std::string(9, 'z'));
+  EXPECT_EQ(sp(" " + std::string(70, 'x')), " " + std::string(65, 'x') + next + "xxxxx");
 }
 
 // Each row reports "m" at a position; the message header is "<file>", line <line>.

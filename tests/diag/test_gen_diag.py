@@ -67,7 +67,7 @@ class GeneratorTest(unittest.TestCase):
             b'2147483648 error  -  -  -  "x"\n' b'24 error  -  -  pattern  "x"\n'
             b'25 error  -  1c  pattern  "x"\n' b'26 error  -  c  pattern  none\n'
             b'27 error  -  d  one_arg  "x"\n' b'28 error  -  e  one_arg  "%s %u"\n'
-            b'29 error  -  -  -  "100%"\n' b'30 error  -  -  -  "\n',
+            b'29 error  -  -  -  "100%"\n' b'30 error  -  -  -  "\n' b'31 error - - - "a\\"\n',
             "4: code 12 is duplicate (previous row has 12)", "5: unknown severity 'loud'",
             "6: unknown flag 'special'", "7: unknown form 'odd'", "8: placeholder '%d'",
             "9: form paren needs exactly one %s", "10: std_msg must be",
@@ -78,7 +78,7 @@ class GeneratorTest(unittest.TestCase):
             "20: code 2147483648 out", "21: form 'pattern' given for a row without",
             "22: class name '1c' is not", "23: class c needs a std_msg",
             "24: form one_arg needs", "25: form one_arg needs", "26: placeholder '%'",
-            "27: std_msg must be")
+            "27: std_msg must be", "28: only \\\" and")
         self.expect_failure("# nothing else\n", "1: the catalogue has no rows")
 
 

@@ -20,12 +20,12 @@ std::vector<int> ids(int* list) {
 }
 
 TEST(Rot13, IsItsOwnInverseAndSwapsDashAndPercent) {
-  std::string scrambled = option_engine::rot13("--Help_me-Zz%");
-  EXPECT_EQ(scrambled, "%%Uryc_zr%Mm-");
-  EXPECT_STREQ(option_engine::rot13(scrambled.c_str()), "--Help_me-Zz%");
+  const char* scrambled = option_engine::rot13("--Help_me-Zz%");
+  EXPECT_STREQ(option_engine::rot13(scrambled), "--Help_me-Zz%");
   EXPECT_STREQ(option_engine::rot13(nullptr), "");
-  EXPECT_EQ(std::string(option_engine::rot13(std::string(500, 'a').c_str())),
-            std::string(500, 'n'));
+  for (int call = 0; call < 3; ++call)
+    EXPECT_EQ(option_engine::rot13(std::string(500, 'a').c_str()), std::string(500, 'n'));
+  EXPECT_STREQ(scrambled, "%%Uryc_zr%Mm-");  // alive through four further calls
 }
 
 TEST_F(Export, ExportGivesParsableText) {
@@ -39,7 +39,7 @@ TEST_F(Export, ExportGivesParsableText) {
   for (auto [id, index] :
        {std::pair{T::NAMES, 2}, {T::ALPHA_BETA, 0}, {T::COLOR, 0}, {T::VERBOSE, 0}})
     EXPECT_EQ(opts.export_option(id, index), nullptr) << id;
-  EXPECT_EQ(opts.format_of_option(-1), nullptr);
+  EXPECT_TRUE(opts.format_of_option(-1) == nullptr && opts.internal_option_string(-1) == nullptr);
   const option_row& mode = opts.table().option_definitions[T::MODE];  // help's left column
   EXPECT_STREQ(T::get_opt_txt(mode.long_form, mode.alt_forms, mode.short_form, mode.arg_text,
                               mode.arg_optional),

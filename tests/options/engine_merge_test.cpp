@@ -66,6 +66,7 @@ TEST_F(Merge, EachPolicyCombinesTheFurtherFileIntoTheReceiver) {
       {{"-verbose"}, {"-quiet_a"}, {{T::VERBOSE, 0, ""}, {T::QUIET_A, 1, ""}}},
       {{"-quiet_a"}, {"-quiet_a"}, {{T::QUIET_A, 2, ""}}},
       {{"-quiet_a"}, {}, {{T::QUIET_A, 1, ""}}},
+      {{"-quiet_a"}, {"-align=4"}, {{T::QUIET_A, 0, ""}, {T::ALIGN, 1, "4"}}},  // member id 0
       // init takes the first argument of the options with a policy other than none,
       // and runs no conflicts
       {{"-over_a"},

@@ -57,7 +57,7 @@ TEST_F(Scan, TokensAcceptedAndWhatTheySet) {
       {"-format=COFF", taken, {{T::MODE, 1, "fast"}}},
       {"-format=elf", taken, {{T::MODE, 0, ""}}},
       {"-goal=2", taken, {{T::MODE, 0, ""}}},
-      {"-tallyvv", taken, {{T::NUMBER, 3, "3"}}},
+      {"wvv", taken, {{T::NUMBER, 3, "3"}, {T::VERBOSE, 0, ""}}},  // the action takes the rest
   };
   diag_capture capture;  // the family's members override each other
   const auto stream = T::next_arg;
@@ -67,9 +67,7 @@ TEST_F(Scan, TokensAcceptedAndWhatTheySet) {
     T fresh;
     const char* stop = nullptr;
     EXPECT_EQ(fresh.process_option(c.token, &stop), c.stop == taken);
-    if (c.stop != taken) {
-      EXPECT_EQ(stop - c.token, c.stop);
-    }
+    EXPECT_EQ(c.stop == taken ? c.stop : stop - c.token, c.stop);
     expect_facts(fresh, c.after);
   }
   T::next_arg = stream;
@@ -102,13 +100,17 @@ TEST_F(Scan, WhatAnOptionDoesBeyondBeingStored) {
   EXPECT_EXIT(opts.post_process_option_depends(), ExitedWithCode(1), "");
 }
 
-// Help topics and their forms are the end-to-end cases' part; here only what
-// no run can show: a usage hook that returns ends the run with 1.
-TEST_F(Scan, HelpEndsTheRunWithOneWhenTheUsageHookReturns) {
+// Help topics are the end-to-end cases' part; here only what no run can show:
+// --advice_file's effects, help naming the program by its file name, and a
+// usage hook that returns ending the run with 1.
+TEST_F(Scan, ToolOptionsDoWhatNoRunShows) {
   option_obj tool;
+  tool.process_option("-advice_file=a", nullptr);
+  EXPECT_TRUE(DIAGNOSTIC::advice_m && tool.option_state[option_obj::DISPLAY_ERROR_NUMBER] != 0);
   EXPECT_EXIT(
       {
         dup2(2, 1);
+        option_obj::executable_name = "bin/<toolname>";
         tool.process_option("-help", nullptr);
       },
       ::testing::ExitedWithCode(1), "Usage: <toolname>");

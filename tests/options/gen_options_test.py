@@ -85,7 +85,7 @@ CASES = [
       for i, (w, n) in enumerate(zip(COUNTS[::2], COUNTS[1::2]))]),
     ("table a b\nhelp_class lower \"x\"\noption lower\nfrobnicate\n  spelling --x\n"
      "table option_obj_x\n  class_columns x\n  short_group cluster a\n  short_group end A ab\n"
-     "  bad_key 1\n" + record("A", "spelling x", "spelling --a2 weird", "parse optional nothing",
+     "  bad_key 1\n" + record("A", "spelling x", "spelling --a2 continue=weird", "parse optional nothing",
                                 "range 5 1", "flags odd", "items + x", "action fly",
                                 "also_sets B=on sometimes", "rule with", "conflicts 4 B",
                                 "kind flag", "kind flag", 'arg "x', "deprecated odd x", "conflicts 2"),
@@ -95,7 +95,7 @@ CASES = [
       "12: indented line outside a table header or option record",
       "14: class_columns must be a number, not 'x'", "16: character 'A' is in two short groups",
       "16: short_group takes single characters, not 'ab'", "17: bad table line 'bad_key 1'",
-      "22: a spelling begins with '-'", "23: unknown spelling flag 'weird'",
+      "22: a spelling begins with '-'", "23: unknown spelling flag 'continue=weird'",
       "24: unknown parse type 'optional nothing'", "25: range 5..1 is empty",
       "26: unknown flag 'odd'", "27: an item is a mark (+, * or -) and a word, not 'x'",
       "28: unknown action 'fly'", "27: an item is a mark (+, * or -) and a word, not '+'",
@@ -109,7 +109,7 @@ CASES = [
               "classes 0 2", "arg x", "items +a", "default_word a", "default a")
      + record("B", "spelling -e shown_first", "spelling -f shown_first", "kind string",
               "parse unsigned").replace("--b\n", "--b shown_first\n")
-     + record("C", *STR, "range 1 2", "action verbose_template").replace("MAIN", "NONE")
+     + record("C", *STR, "range 2 2", "action verbose_template").replace("MAIN", "NONE")
      + record("D", "kind oneof_list", "parse oneof_list", "arg x", "default_word on",
               "conflicts 1 D Z", "conflict_group g 1", "conflict_group h 1", "merge_conflicts D Z")
      + record("E", *STR, "items +a -A +a-b +a_b", "also_sets Z", "also_sets D=zz",
