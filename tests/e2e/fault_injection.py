@@ -44,7 +44,8 @@ class Runs:
         done = subprocess.run(["strace", "-o", "/dev/null", *self.user, *strace_options, self.binary,
                                *ARGS, "--benchmark:event=append", "--benchmark:option_value=new"],
                               cwd=self.work, stdin=subprocess.DEVNULL, capture_output=True, timeout=30,
-                              env=dict(os.environ, LSAN_OPTIONS="detect_leaks=0"))
+                              env=dict(os.environ, LSAN_OPTIONS="detect_leaks=0", ASAN_OPTIONS=
+                                       os.environ.get("ASAN_OPTIONS", "") + ":detect_leaks=0"))
         return done.returncode, done.stderr
 
     def calls(self):
