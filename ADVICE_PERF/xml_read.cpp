@@ -138,17 +138,17 @@ bool nested_too_deep(const char* text) {
 }
 
 ptree read_xml_file(const char* file_name) {
-  ptree tree;
   try {
     FILE_TEXT file;
-    if (!load_file_text(file_name, file) || nested_too_deep(file.text.get())) return tree;
+    if (!load_file_text(file_name, file) || nested_too_deep(file.text.get())) return {};
     auto document = std::make_unique<rapidxml::xml_document<char>>();
     document->parse<parse_flags>(file.text.get());
+    ptree tree;
     for (auto* node = document->first_node(); node; node = node->next_sibling())
       xml_parser::read_xml_node(node, tree, xml_parser::trim_whitespace);
+    return tree;
   } catch (...) {
     // A file that isn't well-formed, or too large for memory, counts as empty.
-    tree.clear();
+    return {};
   }
-  return tree;
 }

@@ -303,15 +303,12 @@ class SELECTIVE_PARSER {
 };
 
 KEPT_TREE read_kept_elements(const char* file_name, const KEPT_ELEMENT& root) {
-  KEPT_TREE tree;
   try {
-    if (!load_file_text(file_name, tree.file)) return tree;
-    SELECTIVE_PARSER(tree, root).document();
+    KEPT_TREE tree;
+    if (load_file_text(file_name, tree.file)) SELECTIVE_PARSER(tree, root).document();
+    return tree;
   } catch (...) {
     // Not well-formed, nested too deep or too large for memory: empty.
-    tree.nodes.clear();
-    tree.joined.clear();
-    tree.has_top_level = false;
+    return {};
   }
-  return tree;
 }

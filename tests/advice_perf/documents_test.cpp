@@ -307,8 +307,12 @@ TEST_F(Documents, TheSeriesResultGoesOnceTheBuildUsesItsValue) {
   EXPECT_FALSE(kept.get_link_advice_flag());
   run({}, {"-O4", "--opt_for_speed=4"});
   EXPECT_EQ(ADVICE(advice_path.c_str()).get_entries().count("27011"), 0u);
+  first.output();  // a new speed series drops it too
+  run({"--benchmark:event=start", "--benchmark:option=--opt_for_speed"});
+  EXPECT_EQ(ADVICE(advice_path.c_str()).get_entries().count("27011"), 0u);
   run({}, {"--opt_for_speed=0"});  // the lowest goal is written as a setting too
   EXPECT_NE(read_file(advice_path).find("--opt_for_speed=0"), std::string::npos);
+  EXPECT_EQ((set_timestamp_clock([] { return uint64_t{7}; }), new_timestamp()), 7u);  // a new clock
 }
 
 }  // namespace

@@ -31,6 +31,9 @@ TEST_F(FormatTest, IndentAppliesToEveryLineOfAMessage) {
   EXPECT_EQ(DIAGNOSTIC::indent_m, 0);
   // "  error: " leaves 70 columns, continuation lines get 2 + 3 blanks and 74.
   EXPECT_EQ(output(), "  error: " + words(14) + "\n     " + words(6) + "\n");
+  EXPECT_EQ(DIAG::optgen_depdiag_error(__FILE__, __LINE__, "x").print(nullptr), 0);
+  DIAGNOSTIC::indent_m = 76;  // no column left for the text behind "error: "
+  EXPECT_DEATH(DIAG::optgen_depdiag_error(__FILE__, __LINE__, "x").report(), "^Assertion failed");
 }
 
 TEST_F(FormatTest, SpPrintLineWidthsAreExactly66And69) {
