@@ -76,6 +76,9 @@ TEST_F(FormatTest, QuotesExactPositionsOnlyWithACaretUnderTheColumn) {
               "\"" + file + "\", line " + std::to_string(line) + after_header)
         << file << ":" << line;
   }
+  const size_t at = output().size();
+  DIAG::optgen_depdiag_error(__FILE__, __LINE__, "m").report();  // no position: nothing quoted
+  EXPECT_EQ(output().substr(at), "error: m\n");
 }
 
 }  // namespace
