@@ -148,9 +148,9 @@ unsigned long option_engine::strtoul_by_radix(const char* text, int* bad) {
   return value;
 }
 
-int option_engine::parse_oneof(int id, const char* rest, const char* name, int type, long* value) {
+bool option_engine::parse_oneof(int id, const char* rest, const char* name, int type, long* value) {
   if (is_optional(type)) {
-    if (empty(rest)) return 0;
+    if (empty(rest)) return false;
     if (std::strcmp(rest, "=") == 0) report_missing(*this, id, name);
     if (*rest == '=') ++rest;
   } else if (empty(rest)) {
@@ -169,7 +169,7 @@ int option_engine::parse_oneof(int id, const char* rest, const char* name, int t
                    "WARNING: argument '%s' to option '%s' is deprecated and will be removed in "
                    "a future release\n",
                    item->text + 1, internal_option_string(id));
-    return 1;
+    return true;
   }
   std::string offered;
   for (const option_item* item = items; item && item->text; ++item) {

@@ -263,7 +263,9 @@ class option_engine {
   // left out. Borrowed from the caller's text or the stream, never freed here.
   const char* parse_arg(int id, const char* rest, const char* name, int type,
                         const arg_range& range);
-  int parse_oneof(int id, const char* rest, const char* name, int type, long* value);
+  // parse_oneof stores the chosen keyword's value; false for an optional
+  // keyword left out (value untouched).
+  bool parse_oneof(int id, const char* rest, const char* name, int type, long* value);
   void check_numerical_arg(int type, int id, const char* name, const char* arg,
                            const arg_range& range);
 
