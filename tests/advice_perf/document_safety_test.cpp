@@ -89,7 +89,8 @@ TEST_F(ReplaceFile, KeepsPermissionBitsAndSymbolicLinks) {
   EXPECT_EQ(fs::status(dir.file("made.xml")).permissions(), static_cast<fs::perms>(0666 & ~mask));
 }
 
-// A FIFO is written as a stream that waits for a reader taking its time.
+// A FIFO is written as a stream that waits for a reader taking its time; a
+// stream that takes nothing is a write error.
 TEST_F(ReplaceFile, AFifoGetsAllOfATextLongerThanThePipeHolds) {
   const std::string fifo = dir.file("fifo.xml"), text(1 << 20, 'x');
   ASSERT_EQ(mkfifo(fifo.c_str(), 0666), 0);
@@ -107,6 +108,7 @@ TEST_F(ReplaceFile, AFifoGetsAllOfATextLongerThanThePipeHolds) {
   writer.join();
   close(in);
   EXPECT_EQ(size, text.size());
+  EXPECT_THROW(replace_file("/dev/full", text), xml_parser_error);  // a stream without room
 }
 
 // Beside the document stay its old file when that could not be read (the
@@ -178,7 +180,7 @@ TEST(DocumentLocks, RunsSharingADirectoryExcludeEachOtherUnlessBothRead) {
     EXPECT_NE(DOCUMENT_LOCKS({a}, lock_mode::shared, 0ms).busy_directory(), "");
   }
   {
-    // A run that finds its second directory busy closes the lock of the first, once.
+    // A run that finds its second directory busy closes both, each once.
     struct stat in_dir = {}, in_other = {};  // locked in the order of their inodes
     stat(dir.path().c_str(), &in_dir), stat(other.path().c_str(), &in_other);
     const bool dir_first = in_dir.st_ino < in_other.st_ino;
@@ -190,6 +192,7 @@ TEST(DocumentLocks, RunsSharingADirectoryExcludeEachOtherUnlessBothRead) {
       ASSERT_EQ(busy.busy_directory(), second.path());
       reused = open(first.path().c_str(), O_RDONLY);  // the number the release freed
     }
+    EXPECT_EQ(fcntl(reused + 1, F_GETFD), -1);  // the busy directory's number is free too
     EXPECT_EQ(close(reused), 0);
   }
   const DOCUMENT_LOCKS reader({a}, lock_mode::shared, 0ms);
