@@ -66,6 +66,8 @@ class ReplaceFile : public ::testing::Test {
 };
 
 TEST_F(ReplaceFile, KeepsPermissionBitsAndSymbolicLinks) {
+  const int lowest = open("/dev/null", O_RDONLY);  // the number a leaked descriptor would take
+  close(lowest);
   chmod(doc.c_str(), 0444);  // a read-only document stays, unless root, who ignores the mode, runs
   if (access(doc.c_str(), W_OK) != 0) {
     EXPECT_ANY_THROW(replace_file(doc, "new"));
@@ -87,6 +89,9 @@ TEST_F(ReplaceFile, KeepsPermissionBitsAndSymbolicLinks) {
   const mode_t mask = umask(0);  // a new document gets what the umask leaves of 0666
   umask(mask);
   EXPECT_EQ(fs::status(dir.file("made.xml")).permissions(), static_cast<fs::perms>(0666 & ~mask));
+  const int next = open("/dev/null", O_RDONLY);
+  EXPECT_EQ(next, lowest) << "a descriptor left open";
+  close(next);
 }
 
 // A FIFO is written as a stream that waits for a reader taking its time; a
