@@ -45,6 +45,7 @@ TEST(Convert, ReadsAndWritesAsAHexStreamDoes) {
       {"0x0x5", 0, 0},
       {"80000000", INT32_MAX, 0x80000000},
       {"-80000001", INT32_MIN, 0xffffffff7fffffff},
+      {"-8000000000000001", INT32_MIN, 0x7fffffffffffffff},  // below the long read in between
       {"10000000000000000", INT32_MAX, ~uint64_t{0}},
   };
   for (const auto& c : cases) {
@@ -56,7 +57,7 @@ TEST(Convert, ReadsAndWritesAsAHexStreamDoes) {
 }
 
 // Nesting up to the bound is read, deeper is not, counted as the parser nests:
-// past what comments, sections, a document type and attribute values hold, and
+// past what comments, sections, declarations, a document type and attribute values hold, and
 // closed elements count no more. Endless devices and directories are empty at once.
 TEST(ReadXmlFile, NestingAndEndlessInputAreBounded) {
   TempDir dir;
@@ -67,7 +68,7 @@ TEST(ReadXmlFile, NestingAndEndlessInputAreBounded) {
       open += "<a x=\"/>\" y='>'>" + level_text, close += "</a >";
     return open + close;
   };
-  const std::string inside = "<!-- <b> --><![CDATA[<c>]]><?p <d> ?><!x <e>><f/>text";
+  const std::string inside = "<!-- <b> --><![CDATA[<c>]]><?p <d> ?><!ELEMENT [<e>><f/>text";
   const std::pair<std::string, bool> cases[] = {
       {nested(max_xml_depth, inside), true},
       {"<?\?>" + nested(max_xml_depth + 1, inside), false},
