@@ -51,6 +51,8 @@ TEST_F(FormatTest, SpPrintLineWidthsAreExactly66And69) {
   EXPECT_EQ(sp(x66 + std::string(60, 'y') + " " + std::string(9, 'z')),
             std::string(66, 'x') + next + std::string(60, 'y') + next + std::string(9, 'z'));
   EXPECT_EQ(sp(" " + std::string(70, 'x')), " " + std::string(65, 'x') + next + "xxxxx");
+  EXPECT_EQ(sp(x66 + x66 + x66 + "x"),  // more lines of text than the text has line ends
+            std::string(66, 'x') + next + std::string(66, 'x') + next + x66 + "x");
 }
 
 // Each row reports "m" at a position; the message header is "<file>", line <line>.
