@@ -76,7 +76,8 @@ TEST_F(State, CopiesAreDeep) {
   opts.error_count = 3;
   T copy(opts);
   run("n=two");
-  opts.clearopt(T::COLOR);
+  opts.clearopt(T::COLOR), opts.clearopt(T::NAMES);
+  run("n=three");  // a cleared list starts anew
   expect_facts(copy, {{T::NAMES, 1, "one"}, {T::COLOR, 1, "red"}});
   EXPECT_TRUE(copy.history.empty());
   EXPECT_EQ(copy.error_count, 0);
@@ -92,7 +93,7 @@ TEST_F(State, CopiesAreDeep) {
             std::tie(opts.debug, opts.merging, opts.source_name, opts.current_option));
   EXPECT_TRUE(target.option_form == opts.option_form &&
               target.option_parsed == opts.option_parsed && target.option_seen == opts.option_seen);
-  expect_facts(target, {{T::COLOR, 1, "green"}, {T::ALPHA, 0, ""}});
+  expect_facts(target, {{T::COLOR, 1, "green"}, {T::ALPHA, 0, ""}, {T::NAMES, 1, "three"}});
   EXPECT_EQ(target.history.size(), 2u);  // KEEP and ALPHA, its own
   EXPECT_EQ(target.error_count, 2);
   target = target;

@@ -1,7 +1,11 @@
 #!/usr/bin/env python3
-"""The option table generator refuses bad sources with FILE:LINE messages."""
+"""The option table generator refuses bad sources with FILE:LINE messages, scrambles as the
+engine unscrambles, and writes the manual page."""
+import codecs
+import importlib.util
 import os
 import pathlib
+import string
 import subprocess
 import sys
 import tempfile
@@ -87,7 +91,7 @@ CASES = [
      "table option_obj_x\n  class_columns x\n  short_group cluster a\n  short_group end A ab\n"
      "  bad_key 1\n" + record("A", "spelling x", "spelling --a2 continue=weird", "parse optional nothing",
                                 "range 5 1", "flags odd", "items + x", "action fly",
-                                "also_sets B=on sometimes", "rule with", "conflicts 4 B",
+                                "also_sets B=on sometimes", "rule when", "conflicts 4 B",
                                 "kind flag", "kind flag", 'arg "x', "deprecated odd x", "conflicts 2"),
      ["8: 'table' takes the family's class name", "35: bad option line 'deprecated odd x'",
       "9: 'help_class' takes an upper-case name and a title", "36: bad option line 'conflicts 2'",
@@ -158,6 +162,17 @@ class BadSources(unittest.TestCase):
                                  (1, False) if messages else (0, True))
                 self.assertEqual(sorted(proc.stderr.replace(path, "bad.opt").splitlines()),
                                  sorted("bad.opt:" + m for m in messages))
+
+
+class Scrambling(unittest.TestCase):
+    def test_rot13_is_pythons_with_dash_and_percent_swapped(self):
+        sys.path.insert(0, os.path.dirname(os.path.abspath(GENERATOR)))  # its own modules
+        spec = importlib.util.spec_from_file_location("gen_options", GENERATOR)
+        generator = importlib.util.module_from_spec(spec)
+        spec.loader.exec_module(generator)
+        text = string.ascii_letters + string.digits + "-%_ :"
+        self.assertEqual(generator.rot13(text), codecs.encode(text, "rot13").translate(
+            str.maketrans("-%", "%-")))
 
 
 class ManPage(unittest.TestCase):
