@@ -148,6 +148,7 @@ TEST_F(Scan, RefusedTokensEndTheRunWithAMessageNamingOptionAndArgument) {
        "argument to option --hex \\(address\\) is out of range \\(must be a number from 0 to "
        "4294967295\n"},
       {"-hex=-1", "must be a number from 0 to 4294967295"},
+      {"-hex=19q", "must be a number from 0 to 4294967295"},
       {"-alpha_beta=", "option --alpha_beta is missing its parameter 'word'"},
       {"-number", "option --number is missing its parameter"},
       {"-rate=", "option --rate is missing its parameter '0-5'"},

@@ -115,7 +115,7 @@ TEST_F(State, FileOptionsEnterTheHistoryByTool) {
   EXPECT_EQ(opts.history[3].second.number, -1);
   EXPECT_NE(capture.text().find("No known tool \"nosuchtool\" when adding file to option list."),
             std::string::npos);
-  EXPECT_EQ(opts.class_list_for_option(47), std::vector<int>{0});
+  EXPECT_EQ(opts.class_list_for_option(70), std::vector<int>{0});  // the last file option + 1
   EXPECT_TRUE(opts.class_list_for_option(T::OPTION_COUNT).empty());
   EXPECT_TRUE(opts.class_list_for_option(71).empty());
   EXPECT_EQ(opts.class_list_for_option(T::ALPHA_BETA), (std::vector<int>{0, 1, 2}));
