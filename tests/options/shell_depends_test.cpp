@@ -48,16 +48,9 @@ TEST_F(ShellDepends, DerivedSettingsAndWarningRules) {
        {{S::FLOAT_SUPPORT, "zfpa32"}, {S::SILICON_ERRATA_ZFPA1_WORKAROUND, "off"}}},
       {{"-zvec_support=zcrc"}, "", {{S::SILICON_ERRATA_ZFPA1_WORKAROUND, "off"}}},
       {{"-zvec_support"}, "", {{S::SILICON_ERRATA_ZFPA1_WORKAROUND, "on"}}},
-      {{"GW", "MS"},  // a quiet spelling may be written in any case
-       "warning: Case insensitivity of options has been deprecated; GW must be written as gw in "
-       "future releases\n",
-       {{S::SYMDEBUG__DWARF, ""}, {S::OPT_FOR_SPACE, ""}}},
       {{"-plr=prog.pl", "ps", "-c99", "pm"},
        "",
        {{S::C89, nullptr}, {S::RELAXED_ANSI, nullptr}, {S::C_SRC_INTERLIST, ""}}},
-      {{"-optimizer_comments"},
-       "warning: Option --optimizer_comments is not valid with -Ooff (ignored)\n",
-       {{S::OPTIMIZER_COMMENTS, nullptr}}},
       {{"-optimizer_comments", "O2"}, "", {{S::OPTIMIZER_COMMENTS, ""}}},
       // the first rule on a subject clears it, so the next one stays silent
       {{"-abi=coffabi", "-extern_c_can_throw", "lfu=ref.elf"},
