@@ -30,7 +30,6 @@ TEST_F(ShellDepends, DerivedSettingsAndWarningRules) {
         {S::SILICON_ERRATA_ZFPA1_WORKAROUND, "on"},
         {S::BUFFER_DIAGNOSTICS, ""},
         {S::C89, ""},
-        {S::SYMDEBUG__DWARF, ""},
         {S::RELAXED_ANSI, ""},
         {S::USE_ELF_LNK, ""}}},
       {{"-symdebug:none"},
