@@ -25,7 +25,6 @@ TEST_F(ShellDepends, DerivedSettingsAndWarningRules) {
        {{S::ADVICE__PERFORMANCE, "all"},
         {S::SYMDEBUG__DWARF_VERSION, "4"},
         {S::KEEP_UNNEEDED_TYPES, "false"},
-        {S::OPT_LEVEL, "off"},
         {S::FLOAT_SUPPORT, "softlib"},
         {S::SILICON_ERRATA_ZFPA1_WORKAROUND, "on"},
         {S::BUFFER_DIAGNOSTICS, ""},
