@@ -66,12 +66,12 @@ fi
 max_len=4096
 seeds=()
 if [ "$target" = link_file_differential ]; then
-    # Real-shaped link files: the link reader's corpus and small generated ones.
+    # Real-shaped link files: small generated ones.
     max_len=16384
-    seeds=("$root/tests/fuzz/corpus/link_reader" "$build_dir/link-seeds")
-    mkdir -p "${seeds[1]}"
+    seeds=("$build_dir/link-seeds")
+    mkdir -p "${seeds[0]}"
     for seed in 1 2 3 4 5 6 7 8; do
-        python3 "$root/bench/gen_link_info.py" "0.00$seed" "${seeds[1]}/gen-$seed.xml" "$seed"
+        python3 "$root/bench/gen_link_info.py" "0.00$seed" "${seeds[0]}/gen-$seed.xml" "$seed"
     done
 fi
 flags=(-max_len=$max_len -timeout=10 -rss_limit_mb=2048 -close_fd_mask=3 -print_final_stats=1)

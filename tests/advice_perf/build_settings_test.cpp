@@ -28,10 +28,8 @@ settings settings_after(const std::vector<const char*>& tokens) {
 
 TEST(BuildSettings, LevelAndGoalFromTheTokensThatSetThem) {
   const std::pair<std::vector<const char*>, settings> cases[] = {
-      {{}, {-1, 2}},  // unoptimised, with the default goal
       {{"-O"}, {2, 2}},
       {{"-o0"}, {0, 2}},
-      {{"--opt_level=4"}, {4, 2}},
       {{"-O3", "--no_high_level_opt"}, {-1, 2}},
       {{"--no_high_level_opt", "-O3"}, {3, 2}},
       {{"--opt_for_speed"}, {-1, 4}},

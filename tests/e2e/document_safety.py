@@ -66,6 +66,13 @@ class Project:
                    + b"</chart></body>\n")
 
 
+def traced(*strace_options):
+    """A wrapper that runs the tool under strace; LeakSanitizer can't work in a traced process."""
+    return ("env", f"ASAN_OPTIONS={os.environ.get('ASAN_OPTIONS', '')}:detect_leaks=0",
+            f"LSAN_OPTIONS={os.environ.get('LSAN_OPTIONS', '')}:detect_leaks=0", "strace", "-o",
+            "/dev/null", *strace_options)
+
+
 def as_nobody():  # root reads any directory
     if os.geteuid() == 0:
         os.setgid(65534)
@@ -75,10 +82,7 @@ def as_nobody():  # root reads any directory
 def concurrent_appends_all_count(p, check):
     """40 runs at once; 30 where the directory can't be opened for reading and
     30 where flock fails (ENOLCK, as on a network file system)."""
-    # LeakSanitizer can't work in a traced process.
-    no_flock = ("env", f"ASAN_OPTIONS={os.environ.get('ASAN_OPTIONS', '')}:detect_leaks=0",
-                f"LSAN_OPTIONS={os.environ.get('LSAN_OPTIONS', '')}:detect_leaks=0", "strace",
-                "-o", "/dev/null", "-e", "trace=flock", "-e", "inject=flock:error=ENOLCK")
+    no_flock = traced("-e", "trace=flock", "-e", "inject=flock:error=ENOLCK")
     for where, runs, mode, preexec, wrapper in (
             ("lockable", 40, 0o777, None, ()),
             ("unreadable directory", 30, 0o333, as_nobody, ()),

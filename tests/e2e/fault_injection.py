@@ -3,10 +3,10 @@
 the in-place path. After EIO a document is byte-identical, or complete with every old
 bar, or complete beside its old file kept; after EINTR, what a run without the fault
 writes. Usage: fault_injection.py ADVZORV CASES_DIR (status 77: no strace)"""
-import os, re, shutil, subprocess, sys, tempfile
+import os, re, shutil, sys, tempfile
 import xml.etree.ElementTree as ET
 
-from document_safety import Project
+from document_safety import Project, traced
 
 CALLS = ["openat", "read", "pread64", "write", "fsync", "rename", "ftruncate", "close",
          "newfstatat", "flock", "fcntl", "link", "unlink"]
@@ -14,8 +14,6 @@ INTERRUPTIBLE = ["openat", "read", "pread64", "write", "fsync", "rename", "ftrun
 DOCUMENTS = ("advice.xml", "perf.xml")
 OLD_KEYS = {f"k{i:06}" for i in range(1000)}
 TIMESTAMP = re.compile(rb"<timestamp>0x[0-9a-f]+</timestamp>")
-ARGS = ["--advice_file=advice.xml", "--benchmarks_file=perf.xml", "--xml_link_info=link.xml",
-        "--linker_options_file=options.cmd", "--benchmark:option=--opt_for_speed"]
 
 
 def documents(work):
@@ -27,7 +25,8 @@ class Runs:
     in a directory they can't write (root runs them as nobody)."""
 
     def __init__(self, binary, cases, origin, in_place):
-        self.binary, self.origin, self.in_place, self.work = binary, origin, in_place, origin + "-run"
+        self.binary, self.cases, self.origin, self.work = binary, cases, origin, origin + "-run"
+        self.in_place = in_place
         self.user = ["-u", "nobody"] if in_place and os.geteuid() == 0 else []
         os.mkdir(origin)
         Project(binary, cases, origin).big_results(len(OLD_KEYS))
@@ -40,13 +39,9 @@ class Runs:
             os.chmod(self.work, 0o755)
             shutil.rmtree(self.work)
         shutil.copytree(self.origin, self.work)
+        project = Project(self.binary, self.cases, self.work)
         os.chmod(self.work, 0o555 if self.in_place else 0o755)
-        done = subprocess.run(["strace", "-o", "/dev/null", *self.user, *strace_options, self.binary,
-                               *ARGS, "--benchmark:event=append", "--benchmark:option_value=new"],
-                              cwd=self.work, stdin=subprocess.DEVNULL, capture_output=True, timeout=30,
-                              env=dict(os.environ, LSAN_OPTIONS="detect_leaks=0", ASAN_OPTIONS=
-                                       os.environ.get("ASAN_OPTIONS", "") + ":detect_leaks=0"))
-        return done.returncode, done.stderr
+        return project.run("append", b"new", wrapper=traced(*self.user, *strace_options))
 
     def calls(self):
         """Per call, how many come before the command file is opened and after; the new

@@ -1,7 +1,7 @@
-// Reading an advice document, writing it and reading it again gives the same
-// entries, but for the characters XML can't carry, which the writer replaces,
-// and the white space the format doesn't carry; and the written text is
-// well-formed XML.
+// Reading an advice document, updating it by the rules of a plain run, writing
+// it and reading it again gives the same entries, but for the characters XML
+// can't carry, which the writer replaces, and the white space the format
+// doesn't carry; and the written text is well-formed XML.
 #include <boost/property_tree/ptree.hpp>
 #include <boost/property_tree/xml_parser.hpp>
 #include <libxml/parser.h>
@@ -63,12 +63,14 @@ ADVICE::entry_map as_written(const ADVICE::entry_map& entries) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   begin_input();
+  make_option_objects();
   const char* path = input_file(data, size);
   const LINK_DATA link(no_file);
   ADVICE::entry_map entries;
   bool flag = false;
   try {
     ADVICE first(path, link);
+    first.update();
     entries = as_written(first.get_entries());
     flag = first.get_link_advice_flag();
     first.output();

@@ -152,7 +152,6 @@ TEST_F(Scan, RefusedTokensEndTheRunWithAMessageNamingOptionAndArgument) {
       {"-alpha_beta=", "option --alpha_beta is missing its parameter 'word'"},
       {"-number", "option --number is missing its parameter"},
       {"-rate=", "option --rate is missing its parameter '0-5'"},
-      {"-mode=", "option --mode is missing its parameter 'mode'"},
       {"-color=gre", "bad argument to option --color: should be one of \\{red,green\\}"},
       {"-hard_b", "option --hard_b conflicts with previous option --hard_a"},
   };

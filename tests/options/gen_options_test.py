@@ -41,19 +41,15 @@ STR = ("kind string", "parse text", "arg x")
 # header; bytes stand alone), and every message the generator must print,
 # without its "bad.opt:" (none: it generates).
 CASES = [
-    (record("A"), []),
     (b"", ["1: no 'table' header"]), (HEADER.replace("  fold_case no\n", "").encode(), []),
     (b"table option_obj_x\n", ["1: no help_class declared"] + ["1: table header lacks '%s'" % f
      for f in ("debug_prefix", "class_columns", "alt_slots", "first_fileopt")]),
     (b"table \xe9\n", ["1: the line is not valid UTF-8"]),
     (record("A") + record("A"), ["12: option A defined twice (first at line 8)",
                                  "13: spelling --a is already a spelling of A"]),
-    (record("A", "kind strange"), ["12: bad option line 'kind strange'"]),
     (record("A", *ONEOF, "default maybe"), ["16: default 'maybe' is no item of A"]),
     (record("B", "spelling --a") + record("A", "conflicts 2 B", "conflicts 3 B"),
      ["18: conflict of A with B is both 2 and 3", "12: spelling --a is already a spelling of A"]),
-    (record("A", "also_sets B=on") + record("B"),
-     ["12: B takes no argument, so also_sets gives it no word"]),
     (record("A", "spelling -5"), ["12: spelling '-5' can never be scanned"]),
     (record("A", "rule with B=ON error \"--b=on\"", "rule without C warning \"--c\"",
             "rule when x with B error \"--b\"") + record("B", *ONEOF),

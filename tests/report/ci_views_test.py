@@ -130,7 +130,6 @@ def check_diff():
         (["--fail-over=1199"], 1, ["1 byte over the budget of 1199 bytes"]),
         (["--fail-growth=20"], 0, []),
         (["--fail-growth=19.999999"], 1, ["grew by 200 bytes (20.00%), more than the allowed"]),
-        (["--fail-growth=20.000001", "--fail-over=5000"], 0, []),
         (["--fail-over=0", "--fail-growth=0"], 1, ["budget of 0 bytes", "more than the allowed"]),
         (["--fail-growth=0", "new.xml", "old.xml"], 0, []),
         (["--fail-over=-1"], 2, ["--fail-over takes a number"]),
@@ -149,7 +148,6 @@ def check_gate_on_documents():
         (["yellow", "green", "red"], True, 0, []),
         (["red", "red"], True, 1, ["every bar of the chart linked with errors"]),
         ([], True, 1, ["the chart holds no bar"]),
-        (["green"], False, 1, ["the advice document holds no entry"]),
         ([], False, 1, ["the chart holds no bar", "the advice document holds no entry"]),
     ]
     for colors, entries, status, lines in table:
@@ -189,7 +187,6 @@ def check_refusals():
         (["foreign.xml", "perf_results.xml"], "foreign.xml is not a valid advice document"),
         (["advice.xml", "link_info.xml"], "link_info.xml is not a valid results document"),
         (["advice.xml", "missing.xml"], "missing.xml: No such file or directory"),
-        (["missing.xml", "perf_results.xml"], "missing.xml: No such file or directory"),
         (["advice.xml", "broken.xml"], "broken.xml is not an advzorv results document"),
         (["advice.xml"], "expects two documents"),
         (["--html", "advice.xml", "advice.xml", "perf_results.xml"], "over the input advice.xml"),
@@ -202,7 +199,6 @@ def check_refusals():
         (["sizes", "advice.xml"], "advice.xml is not valid link information"),
         (["sizes", "--json=link_info.xml", "link_info.xml"], "over the input link_info.xml"),
         (["diff", "link_info.xml", "missing.xml"], "missing.xml"),
-        (["diff", "link_info.xml", "foreign.xml"], "foreign.xml is not valid link information"),
         (["--check", "sizes", "link_info.xml"], "go without sizes and diff"),
         (["sizes"], "sizes expects one link information file"),
         (["diff", "link_info.xml"], "diff expects two link information files"),
