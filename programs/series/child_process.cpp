@@ -11,6 +11,7 @@
 #include <system_error>
 
 #include <fcntl.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -40,6 +41,19 @@ constexpr std::chrono::seconds stop_patience(10);
   _exit(127);
 }
 
+// Waits until no process of a stopped child's group is left, killing what is
+// still there at kill_at. The series is their subreaper, so the orphans of the
+// group come to it and are reaped here; one second past kill_at it gives up on
+// what can't be reaped (a zombie whose parent left the group).
+void reap_group(pid_t group, clock_type::time_point kill_at) {
+  const auto give_up = kill_at + std::chrono::seconds(1);
+  while (kill(-group, 0) == 0 && clock_type::now() < give_up) {
+    if (waitpid(-group, nullptr, WNOHANG) > 0) continue;
+    if (clock_type::now() >= kill_at) kill(-group, SIGKILL);
+    usleep(10000);
+  }
+}
+
 int exit_status(int wait_status) {
   if (WIFEXITED(wait_status)) return WEXITSTATUS(wait_status);
   if (WIFSIGNALED(wait_status)) return 128 + WTERMSIG(wait_status);
@@ -54,6 +68,8 @@ CHILD_END run_child(const CHILD_RUN& run, const std::function<void()>& tick) {
     argv.push_back(const_cast<char*>(arg.c_str()));
   argv.push_back(nullptr);
 
+  // Orphans of a stoppable child's group are reparented here, to be reaped.
+  if (run.stoppable) prctl(PR_SET_CHILD_SUBREAPER, 1);
   std::fflush(nullptr);  // nothing buffered here is written twice
   const pid_t pid = fork();
   if (pid < 0) throw std::system_error(errno, std::generic_category(), "fork");
@@ -69,13 +85,11 @@ CHILD_END run_child(const CHILD_RUN& run, const std::function<void()>& tick) {
       kill(-pid, stop_signal());
       kill_at = clock_type::now() + stop_patience;
     }
-    if (clock_type::now() >= kill_at) {
-      kill(-pid, SIGKILL);
-      kill_at = clock_type::time_point::max();
-    }
+    if (clock_type::now() >= kill_at) kill(-pid, SIGKILL);  // again each second, harmless
     if (wait_for_child(pid, std::chrono::seconds(1), &wait_status)) break;
     tick();
   }
+  if (end.stopped) reap_group(pid, kill_at);
   end.status = exit_status(wait_status);
   return end;
 }

@@ -22,5 +22,6 @@ struct CHILD_END {
 // Runs the child to its end with standard input from /dev/null, calling tick
 // about once a second meanwhile. A stop signal is sent on to the group of a
 // stoppable child, and SIGKILL follows 10 seconds later if the child is still
-// there. Throws std::system_error when no child can be made.
+// there; a stopped child's run returns once its whole group has ended. Throws
+// std::system_error when no child can be made.
 CHILD_END run_child(const CHILD_RUN& run, const std::function<void()>& tick);

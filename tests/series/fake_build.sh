@@ -3,14 +3,14 @@
 # size grows with VALUE ("off" the smallest), unless a FAKE_ variable names VALUE:
 # FAKE_FAIL exits with status 2, FAKE_STALE leaves the link file, FAKE_OLD links at 0x10,
 # FAKE_GARBAGE writes no XML, FAKE_EMPTY nothing to count, FAKE_RED a link error, FAKE_SLEEP
-# writes its pid to fake_build.pid and sleeps first. FAKE_OPTIONS stands in options.cmd for
-# the build's setting. Each run appends its arguments and the ADVZORV_ variables to
-# fake_build.record. Usage: fake_build.sh VALUE [WORD...]
+# writes its pid to fake_build.pid and sleeps first, in a child that takes its time to end.
+# FAKE_OPTIONS stands in options.cmd for the build's setting. Each run appends its arguments
+# and the ADVZORV_ variables to fake_build.record. Usage: fake_build.sh VALUE [WORD...]
 value=$1
 echo "$*|$ADVZORV_VALUE|$ADVZORV_OPTION|$ADVZORV_SETTING" >> fake_build.record
 if [ "$value" = "$FAKE_SLEEP" ]; then
     echo $$ > fake_build.pid
-    sleep 60
+    sh -c 'trap "sleep 0.5; exit 1" TERM INT; sleep 60'  # a child slow to end
 fi
 if [ "$value" = "$FAKE_FAIL" ]; then
     echo "fake build failed at $value"
