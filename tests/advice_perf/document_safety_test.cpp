@@ -11,6 +11,7 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/time.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -180,8 +181,10 @@ TEST(DocumentLocks, RunsSharingADirectoryExcludeEachOtherUnlessBothRead) {
     ASSERT_EQ(held.busy_directory(), "");
     EXPECT_EQ(DOCUMENT_LOCKS({other.file("x.xml"), b}, lock_mode::exclusive, 20ms).busy_directory(),
               dir.path());
-    struct sigaction after {};  // the wait's alarm handler is gone with the wait
+    struct sigaction after {};  // the wait's alarm, timer and handler, is gone with the wait
     EXPECT_EQ((sigaction(SIGALRM, nullptr, &after), after.sa_handler), SIG_DFL);
+    itimerval timer {};
+    EXPECT_EQ((getitimer(ITIMER_REAL, &timer), timer.it_value.tv_sec + timer.it_value.tv_usec), 0);
     EXPECT_NE(DOCUMENT_LOCKS({a}, lock_mode::shared, 0ms).busy_directory(), "");
   }
   {
