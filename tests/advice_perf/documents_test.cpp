@@ -104,7 +104,9 @@ TEST(LoadFileText, RegularFilesAndPipesShareOneSizeRule) {
     }
     close(ends[0]);
   }
-  FILE_TEXT file;  // without standard input the file is opened as descriptor 0, and closed again
+  FILE_TEXT file;
+  EXPECT_FALSE(load_file_text("/proc/self/mem", file));  // a read that fails
+  // Without standard input the file is opened as descriptor 0, and closed again.
   EXPECT_TRUE((close(0), load_file_text(path.c_str(), file)) && close(0) == -1);
 }
 
