@@ -18,6 +18,7 @@
 
 #include <filesystem>
 #include <string>
+#include <thread>
 #include <tuple>
 #include <vector>
 
@@ -106,6 +107,17 @@ TEST(LoadFileText, RegularFilesAndPipesShareOneSizeRule) {
   }
   FILE_TEXT file;
   EXPECT_FALSE(load_file_text("/proc/self/mem", file));  // a read that fails
+  // A pipe whose text comes in two reads.
+  int ends[2];
+  ASSERT_TRUE(pipe(ends) == 0 && write(ends[1], "first ", 6) == 6);
+  std::thread writer([&] {
+    usleep(50000);
+    EXPECT_EQ(write(ends[1], "second", 6), 6);
+    close(ends[1]);
+  });
+  EXPECT_TRUE(load_file_text(("/proc/self/fd/" + std::to_string(ends[0])).c_str(), file));
+  writer.join(), close(ends[0]);
+  EXPECT_EQ(std::string(file.text.get(), file.size), "first second");
   // Without standard input the file is opened as descriptor 0, and closed again.
   EXPECT_TRUE((close(0), load_file_text(path.c_str(), file)) && close(0) == -1);
 }
