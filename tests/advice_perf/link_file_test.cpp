@@ -34,7 +34,7 @@ std::string link_file(const std::string& time, const std::string& components,
 }
 
 const std::string no_groups = "<logical_group_list/>";
-const std::string one_component = "<object_component_list><object_component id='a'/>"
+const std::string one_component = "<object_component_list><object_component id = 'a'/>"
                                   "</object_component_list>";
 
 // A link file whose left-out element x holds levels - 1 elements around innermost.
