@@ -87,6 +87,10 @@ TEST_F(Merge, EachPolicyCombinesTheFurtherFileIntoTheReceiver) {
     EXPECT_FALSE(receiver.merging);
     expect_facts(receiver, c.after);
   }
+  T bare(false), further;  // a custom policy leaves alone an option that one side lacks
+  bare.merge_options(further);
+  EXPECT_EQ(bare.error_count, 0);
+  expect_facts(bare, {{T::KEEP, 0, ""}});
 }
 
 // The accumulating object (opts) and a further file (other).
