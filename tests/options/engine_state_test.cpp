@@ -109,9 +109,11 @@ TEST_F(State, FileOptionsEnterTheHistoryByTool) {
   opts.addfileopt("b.hex", "hexzorv");  // after the gap of embedded_options
   opts.addfileopt("c.x", "nosuchtool");
   opts.addfileopt("", "asmzorv");
-  ASSERT_EQ(opts.history.size(), 4u);
-  EXPECT_EQ(std::tie(opts.history[1].first, opts.history[2].first, opts.history[3].first),
-            std::make_tuple(40 + 7, 40 + 16, 40));
+  opts.addfileopt("d.x", "embedded_options");  // a tool without a file option: id 0
+  ASSERT_EQ(opts.history.size(), 5u);
+  EXPECT_EQ(std::tie(opts.history[1].first, opts.history[2].first, opts.history[3].first,
+                     opts.history[4].first),
+            std::make_tuple(40 + 7, 40 + 16, 40, 0));
   EXPECT_EQ(opts.history[3].second.number, -1);
   EXPECT_NE(capture.text().find("No known tool \"nosuchtool\" when adding file to option list."),
             std::string::npos);
