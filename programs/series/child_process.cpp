@@ -68,8 +68,6 @@ CHILD_END run_child(const CHILD_RUN& run, const std::function<void()>& tick) {
     argv.push_back(const_cast<char*>(arg.c_str()));
   argv.push_back(nullptr);
 
-  // Orphans of a stoppable child's group are reparented here, to be reaped.
-  if (run.stoppable) prctl(PR_SET_CHILD_SUBREAPER, 1);
   std::fflush(nullptr);  // nothing buffered here is written twice
   const pid_t pid = fork();
   if (pid < 0) throw std::system_error(errno, std::generic_category(), "fork");
@@ -82,6 +80,7 @@ CHILD_END run_child(const CHILD_RUN& run, const std::function<void()>& tick) {
   for (;;) {
     if (run.stoppable && !end.stopped && stop_signal() != 0) {
       end.stopped = true;
+      prctl(PR_SET_CHILD_SUBREAPER, 1);  // what the stop orphans comes here, to be reaped
       kill(-pid, stop_signal());
       kill_at = clock_type::now() + stop_patience;
     }
