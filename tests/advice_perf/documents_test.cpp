@@ -40,7 +40,6 @@ TEST(Convert, ReadsAndWritesAsAHexStreamDoes) {
       {"+7", 7, 7},
       {"12g3", 18, 0x12},
       {" 1", 0, 0},
-      {"0x", 0, 0},
       {"+-1", 0, 0},
       {"0x0x5", 0, 0},
       {"80000000", INT32_MAX, 0x80000000},
