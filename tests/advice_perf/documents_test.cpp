@@ -278,7 +278,6 @@ TEST_F(Documents, TheLevelAdviceFollowsLevelAndDebugInformation) {
                     debug = " NOTE: debug ability will decrease.";
   const std::pair<tokens, std::string> cases[] = {
       {{}, none + debug},
-      {{"-Ooff", "--symdebug:none"}, none},
       {{"-O0"}, low + debug},
       {{"-O4"}, ""},
       {{"-O3"}, three + " and debug ability will decrease."},
