@@ -80,7 +80,6 @@ TEST_F(ReplaceFile, KeepsPermissionBitsAndSymbolicLinks) {
   replace_file(dir.file("link.xml"), "new");
   EXPECT_EQ(read_file(doc), "new");
   EXPECT_EQ(fs::status(doc).permissions(), static_cast<fs::perms>(0640));
-  EXPECT_EQ(names(), (std::set<std::string>{"link.xml", "perf.xml"}));
 
   fs::create_symlink("made.xml", dir.file("dangling.xml"));
   replace_file(dir.file("dangling.xml"), "made");
