@@ -35,7 +35,6 @@ TEST(BuildSettings, LevelAndGoalFromTheTokensThatSetThem) {
       {{"--opt_for_speed"}, {-1, 4}},
       {{"--opt_for_speed=1"}, {-1, 1}},
       {{"--opt_for_space"}, {-1, 0}},
-      {{"-ms"}, {-1, 0}},
       {{"--size_speed_goal=LOW_RISK_PERFORMANCE"}, {-1, 3}},
       {{"-ms", "--opt_for_speed=3"}, {-1, 3}},
   };
