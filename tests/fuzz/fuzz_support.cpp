@@ -62,7 +62,7 @@ void read_input(const uint8_t* data, size_t size,
 }
 
 bool scan_tokens(const uint8_t* data, size_t size, const char* (**next_arg)(),
-                 bool (*scan)(const char* option)) {
+                 const std::function<void(const char* option)>& scan) {
   if (size == 0) return true;
   begin_input();
   stream = fmemopen(const_cast<uint8_t*>(data), size, "r");

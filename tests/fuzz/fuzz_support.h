@@ -33,8 +33,8 @@ const char* input_file(const uint8_t* data, size_t size);
 void read_input(const uint8_t* data, size_t size,
                 const std::function<void(const char* path)>& read);
 
-// The option scanners' input is a command file: hands each of its words starting with '-' to
-// scan (without the '-') while the stream is open, from which the option family's next_arg
-// also reads. False when the run ended before the last word.
+// The tokenizer's and the option scanners' input is a command file: hands each of its words
+// starting with '-' to scan (without the '-') while the stream is open, from which the option
+// family's next_arg also reads. False when the run ended before the last word.
 bool scan_tokens(const uint8_t* data, size_t size, const char* (**next_arg)(),
-                 bool (*scan)(const char* option));
+                 const std::function<void(const char* option)>& scan);
