@@ -185,7 +185,7 @@ TEST(DocumentLocks, RunsSharingADirectoryExcludeEachOtherUnlessBothRead) {
     EXPECT_NE(DOCUMENT_LOCKS({a}, lock_mode::shared, 0ms).busy_directory(), "");
   }
   {
-    // A run that finds its second directory busy closes both, each once.
+    // A run that finds its second directory busy holds no lock and closes both, each once.
     struct stat in_dir = {}, in_other = {};  // locked in the order of their inodes
     stat(dir.path().c_str(), &in_dir), stat(other.path().c_str(), &in_other);
     const bool dir_first = in_dir.st_ino < in_other.st_ino;
@@ -195,6 +195,7 @@ TEST(DocumentLocks, RunsSharingADirectoryExcludeEachOtherUnlessBothRead) {
     {
       const DOCUMENT_LOCKS busy({first.file("x"), second.file("x")}, lock_mode::exclusive, 0ms);
       ASSERT_EQ(busy.busy_directory(), second.path());
+      EXPECT_EQ(DOCUMENT_LOCKS({first.file("x")}, lock_mode::exclusive, 0ms).busy_directory(), "");
       reused = open(first.path().c_str(), O_RDONLY);  // the number the release freed
     }
     EXPECT_EQ(fcntl(reused + 1, F_GETFD), -1);  // the busy directory's number is free too

@@ -5,6 +5,8 @@ Usage: document_safety.py ADVZORV CASES_DIR"""
 import os, pathlib, random, re, resource, shutil, signal, stat, subprocess, sys, tempfile, time
 
 TEMP_FILE = re.compile(r"^\..*\.advzorv-new(\.[0-9]+(-[0-9]+)?)?$")
+UMASK = os.umask(0o022)
+os.umask(UMASK)
 
 
 class Project:
@@ -90,7 +92,9 @@ def concurrent_appends_all_count(p, check):
         docs = os.path.join(p.work, "docs")
         os.mkdir(docs)
         os.chmod(docs, 0o777)
-        p.run("start", docs="docs/", preexec=preexec)
+        p.run("start", docs="docs/", preexec=preexec, wrapper=wrapper)
+        modes = {oct(stat.S_IMODE(os.stat(f"{docs}/{name}").st_mode)) for name in os.listdir(docs)}
+        check(modes == {oct(0o666 & ~UMASK)}, f"{where}: new documents' modes {modes}")
         os.chmod(docs, mode)
         procs = [p.start("append", f"v{i}".encode(), docs="docs/", preexec=preexec, wrapper=wrapper)
                  for i in range(runs)]
