@@ -75,6 +75,7 @@ TEST(ReadXmlFile, NestingAndEndlessInputAreBounded) {
       {"<r>" + nested(1, "") + nested(max_xml_depth - 1, "") + "</r>", true},
       {"<r>" + nested(1, "") + nested(max_xml_depth, "") + "</r>", false},
       {"<a x=\"1\"", false},
+      {"<r><!--->" + nested(max_xml_depth + 1, "") + "--></r>", true},  // a comment's end: "-->"
   };
   for (const auto& [xml, readable] : cases) {
     write_file(path, xml);
