@@ -112,8 +112,10 @@ TEST_F(Merge, DifferencesAreReportedAndTheMergeGoesOn) {
   fresh.merge_options(other);  // set in the further file only
   // exact never changes the receiver; an option without policy is not taken over
   expect_facts(opts, {{T::ALPHA_BETA, 1, "x"}, {T::NAMES, 1, "z"}, {T::TRACE, 0, ""}});
-  opts.setarg(T::KEEP, 99L);  // a value no pair names
+  opts.setarg(T::KEEP, 99L);  // a value no pair names, against either word of the pair
   give("-keep=low");
+  opts.merge_options(other);
+  give("-keep=high");
   opts.merge_options(other);
   const std::string text = capture.text();
   for (const char* report :
@@ -124,9 +126,11 @@ TEST_F(Merge, DifferencesAreReportedAndTheMergeGoesOn) {
         "option --hex=0xB is set in \"b.cmd\"",
         "option --trace in file \"b.cmd\" conflicts with previous option --verbose",
         "option --keep=low is set in \"b.cmd\", and is incompatible with the previously seen "
+        "option --keep",
+        "option --keep=high is set in \"b.cmd\", and is incompatible with the previously seen "
         "option --keep"})
     EXPECT_TRUE(contains(text, report)) << report;
-  EXPECT_EQ(opts.error_count, 1 + 3 + 4);  // the last merge reports the three again
+  EXPECT_EQ(opts.error_count, 1 + 3 + 4 + 4);  // the last merges report the three again
   EXPECT_EQ(fresh.error_count, 1);
 }
 
