@@ -43,6 +43,7 @@ STR = ("kind string", "parse text", "arg x")
 # without its "bad.opt:" (none: it generates).
 CASES = [
     (b"", ["1: no 'table' header"]), (HEADER.replace("  fold_case no\n", "").encode(), []),
+    (b"  spelling --a\n", ["1: indented line outside a table header or option record"]),
     (b"table option_obj_x\n", ["1: no help_class declared"] + ["1: table header lacks '%s'" % f
      for f in ("debug_prefix", "class_columns", "alt_slots", "first_fileopt")]),
     (b"table \xe9\n", ["1: the line is not valid UTF-8"]),
@@ -113,7 +114,7 @@ CASES = [
      + record("C", *STR, "range 2 2", "action verbose_template").replace("MAIN", "NONE")
      + record("D", "kind oneof_list", "parse oneof_list", "arg x", "default_word on",
               "conflicts 1 D Z", "conflict_group g 1", "conflict_group h 1", "merge_conflicts D Z")
-     + record("E", *STR, "items +a -A +a-b +a_b", "also_sets Z", "also_sets D=zz",
+     + record("E", *STR, "items +a -A +a-b +a_b", "also_sets Z", "also_sets D=z=z",
               "also_sets A when q", "also_sets A by_number a", "also_sets A increment",
               "conflict_group g 2", "merge custom")
      + record("F", "merge max") + record("G", "kind number", "arg x"),
@@ -137,7 +138,7 @@ CASES = [
       "55: D cannot conflict with itself", "55: merge_conflicts names unknown option Z",
       "63: only one-of options have items", "63: an item word appears twice",
       "63: two item words give the same constant", "64: also_sets names unknown option Z",
-      "65: 'zz' is no item of D", "66: 'q' is no item of E",
+      "65: 'z=z' is no item of D", "66: 'q' is no item of E",
       "67: A takes no argument, so also_sets gives it no word",
       "67: by_number needs a numeric option", "68: increment needs a numeric target",
       "69: conflict group g has mixed values", "70: merge custom needs a one-of option",
