@@ -37,7 +37,6 @@ bool is_blank(char c) {
 int DIAGNOSTIC::print_header() {
   const bool wrap_enabled = wrap_enabled_m;
   if (suppress()) return 0;
-  flush();
   if (!wrap_headers_m) wrap_enabled_m = false;
   int count = 0;
   for (int i = 0; i < indent_m; ++i)

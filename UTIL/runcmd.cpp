@@ -311,7 +311,7 @@ int quote_arguments(int count, char** args, char** out, bool quote) {
       noted = noted || quoted || escaped;
     }
     if (out) out[i] = concat(arg, dashes, quoted ? "\"" : "", body);
-    length += static_cast<long>(strlen(body)) + (quoted ? 2 : 0) + 1;
+    length += static_cast<long>(strlen(body)) + 1;
   }
   return length >= line_limit || noted;
 }

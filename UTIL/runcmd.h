@@ -51,10 +51,11 @@ class argv_list {
 int run_command(const char* command, char** args, int count, const char* cmd_file_option,
                 int echo_level, bool report, timing_info* times);
 
-// Adds up the length of the arguments as they would stand on a command line and,
-// if out is not null, stores a new (free) string per argument there. With quote,
-// bodies that need it are escaped and put in double quotes, dashes kept outside.
-// 1 if the line reaches the limit or an argument was quoted or escaped, else 0.
+// Adds up the length of the arguments as they would stand on a command line, dashes
+// and quotes aside, and, if out is not null, stores a new (free) string per argument
+// there. With quote, bodies that need it are escaped and put in double quotes, dashes
+// kept outside. 1 if the line reaches the limit or an argument was quoted or escaped
+// (which makes the quotes' length immaterial), else 0.
 int quote_arguments(int count, char** args, char** out, bool quote);
 
 // Process-wide settings of run_command.
