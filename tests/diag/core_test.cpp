@@ -102,7 +102,8 @@ TEST_F(CoreTest, SeveritiesOverrideByCodeByListAndBySeverityWithSaveAndRestore) 
   DIAGNOSTIC::override_severity(nullptr, dc_remark);
   // A list reads the digits across other characters up to each comma; a number
   // past the codes stays there (it would wrap to 24016 at 64 bits).
-  DIAGNOSTIC::override_severity("240 03,x24004,,18446744073709575632,", dc_remark);
+  DIAGNOSTIC::override_severity("240 03,x24017,,18446744073709575632,", dc_remark);
+  EXPECT_EQ(row(24017).severity, dc_remark);
   EXPECT_EQ(row(24016).severity, dc_warning);
 
   // By severity every open row of it moves; save keeps the last copy, restore
