@@ -1,5 +1,7 @@
 // Line wrapping of printed messages and of text formatted for documents, and
 // the quoted source line under a message.
+#include <unistd.h>
+
 #include <cstdlib>
 #include <memory>
 #include <string>
@@ -61,6 +63,8 @@ TEST_F(FormatTest, QuotesExactPositionsOnlyWithACaretUnderTheColumn) {
   const std::string path = dir.file("source.txt");
   write_file(path, "line one\n  second line\nthird");
   DIAGNOSTIC::verbose_m = true;
+  const int lowest = dup(2);  // the number a source file left open would take
+  close(lowest);
   const std::tuple<std::string, unsigned, unsigned, bool, const char*> cases[] = {
       {path, 2, 3, false, ": error: m\n  second line\n  ^\n"},
       {path, 1, 0, false, ": error: m\nline one\n"},
@@ -81,6 +85,12 @@ TEST_F(FormatTest, QuotesExactPositionsOnlyWithACaretUnderTheColumn) {
   const size_t at = output().size();
   DIAG::optgen_depdiag_error(__FILE__, __LINE__, "m").report();  // no position: nothing quoted
   EXPECT_EQ(output().substr(at), "error: m\n");
+  const std::string long_text(60, 'm');  // a message reported again is laid out afresh
+  DIAG::optgen_depdiag_error again(__FILE__, __LINE__, long_text.c_str());
+  again.report(), again.report();
+  EXPECT_EQ(output().substr(at + 9), "error: " + long_text + "\nerror: " + long_text + "\n");
+  const int next = dup(2);
+  EXPECT_EQ((close(next), next), lowest) << "a source file left open";
 }
 
 }  // namespace
