@@ -51,9 +51,10 @@ TEST_F(UserMsgDeathTest, WarningsAsErrorsCountAndFatalExitsAndDieAborts) {
       {
         umsg.emit_warnings_as_errors();
         umsg.warning(3u, "careful %d", 7);
+        umsg.warning(nullptr, 3u, "at %d", 8);
         std::exit(umsg.get_error_count());
       },
-      ::testing::ExitedWithCode(1), "^error: careful 7\n$");
+      ::testing::ExitedWithCode(2), "^error: careful 7\nerror: at 8\n$");
   EXPECT_EXIT(umsg.fatal("cannot go on"), ::testing::ExitedWithCode(1),
               "^fatal error: cannot go on\n$");
   EXPECT_EXIT(umsg.die("x", "y"), ::testing::KilledBySignal(SIGABRT),
