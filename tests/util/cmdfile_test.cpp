@@ -39,7 +39,7 @@ TEST(Fnextopt, Tokenizes) {
       {R"(a\"b c\\d e\nf g\\\"h "q\"r\\s\t")",
        {R"(a"b)", R"(c\d)", R"(e\nf)", R"(g\"h)", R"(q"r\s\t)"}},
       // Comments continue the word.
-      {"ab/*c d*/ef /* * / */y path/ z", {"abef", "y", "path/", "z"}},
+      {"ab/*c d*/ef /* * / */y path/ z a/*c*/*b", {"abef", "y", "path/", "z", "a*b"}},
       {"abc;x\ndef #c\nw x#y\nz last;no newline", {"abcdef", "w", "xz", "last"}},
       // "#" behind a dash is part of the word, unless white space stands between.
       {"--x=1#2 -D#a \"- x\"#c\nq", {"--x=1#2", "-D#a", "- xq"}},

@@ -73,7 +73,7 @@ TEST(FatalError, TheSupportTextAsksForWhatTheToolReads) {
 }
 
 TEST(FatalError, SigstrnappendAppendsWhatFits) {
-  char buf[12] = "ab";
+  char buf[12] = "ab\0zzzzzzzz";  // what stands behind the text's end is no part of it
   sigstrnappend(buf, sizeof buf, "%d-%s", 12, "cd");
   sigstrnappend(buf, sizeof buf, "%s", "efghijk");
   EXPECT_STREQ(buf, "ab12-cdefgh");
