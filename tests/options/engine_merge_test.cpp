@@ -113,10 +113,8 @@ TEST_F(Merge, DifferencesAreReportedAndTheMergeGoesOn) {
   // exact never changes the receiver; an option without policy is not taken over
   expect_facts(opts, {{T::ALPHA_BETA, 1, "x"}, {T::NAMES, 1, "z"}, {T::TRACE, 0, ""}});
   opts.setarg(T::KEEP, 99L);  // a value no pair names, against either word of the pair
-  give("-keep=low");
-  opts.merge_options(other);
-  give("-keep=high");
-  opts.merge_options(other);
+  for (const char* word : {"-keep=low", "-keep=high"})
+    give(word), opts.merge_options(other);
   const std::string text = capture.text();
   for (const char* report :
        {"option --alpha_beta=x was set in previous files, but not in \"b.cmd\"",
