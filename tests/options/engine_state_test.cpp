@@ -87,6 +87,7 @@ TEST_F(State, CopiesAreDeep) {
   // Assignment keeps the target's history and count.
   T target;
   target.process_option("-alpha", nullptr);
+  target.process_option("-names=old", nullptr);  // a text the assignment overwrites
   target.error_count = 2;
   run("-color=green");
   opts.debug = 2, opts.merging = true, opts.source_name = "a.cmd", opts.current_option = "x";
@@ -96,7 +97,7 @@ TEST_F(State, CopiesAreDeep) {
   EXPECT_TRUE(target.option_form == opts.option_form &&
               target.option_parsed == opts.option_parsed && target.option_seen == opts.option_seen);
   expect_facts(target, {{T::COLOR, 1, "green"}, {T::ALPHA, 0, ""}, {T::NAMES, 1, "three"}});
-  EXPECT_EQ(target.history.size(), 2u);  // KEEP and ALPHA, its own
+  EXPECT_EQ(target.history.size(), 3u);  // KEEP, ALPHA and NAMES, its own
   EXPECT_EQ(target.error_count, 2);
   target = target;
   EXPECT_STREQ(target.getstrarg(T::COLOR, 0), "green");
