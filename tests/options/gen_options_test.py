@@ -61,11 +61,13 @@ CASES = [
      + record("B", "kind string_list", "parse text_list", "arg x", "merge exact",
               "merge_group solo")
      + record("C", *ONEOF, "merge custom", "merge_pair on maybe on")
-     + record("D", "merge_pair on off on"),
+     + record("D", "merge_pair on off on")
+     + record("E", "kind number_list", "parse number", "arg x", "merge max"),
      ["12: A cannot be merged: its long form is not scanned",
       "20: merge exact compares arguments, which list option B cannot",
       "21: merge group solo has a single member", "31: 'maybe' is no item of C",
-      "36: merge_pair needs 'merge custom'"]),
+      "36: merge_pair needs 'merge custom'",
+      "44: merge max compares arguments, which list option E cannot"]),
     (record("A", "merge sometimes"), ["12: bad option line 'merge sometimes'"]),
     (record("A", "passto lnkzorv nosuchtool=-x asmzorv="),
      ["12: passto names unknown tool 'nosuchtool'", "12: passto asmzorv= needs a text"]),
