@@ -5,8 +5,7 @@ Usage: document_safety.py ADVZORV CASES_DIR"""
 import os, pathlib, random, re, resource, shutil, signal, stat, subprocess, sys, tempfile, time
 
 TEMP_FILE = re.compile(r"^\..*\.advzorv-new(\.[0-9]+(-[0-9]+)?)?$")
-UMASK = os.umask(0o022)
-os.umask(UMASK)
+UMASK = int(re.search(r"Umask:\s*([0-7]+)", open("/proc/self/status").read())[1], 8)
 
 
 class Project:
