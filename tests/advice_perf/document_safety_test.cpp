@@ -106,8 +106,8 @@ TEST_F(ReplaceFile, AFifoGetsAllOfATextLongerThanThePipeHolds) {
   usleep(50000);  // the pipe fills, and the writer waits for room
   std::string got(text.size() + 1, '\0');
   size_t size = 0;
-  for (ssize_t n; (n = read(in, got.data() + size, got.size() - size)) > 0 || !done;)
-    size += static_cast<size_t>(std::max<ssize_t>(n, 0));
+  for (ssize_t n, ended; (ended = done, n = read(in, &got[size], got.size() - size)) > 0 || !ended;)
+    size += static_cast<size_t>(std::max<ssize_t>(n, 0));  // done read before read: last write kept
   writer.join();
   close(in);
   EXPECT_EQ(size, text.size());
