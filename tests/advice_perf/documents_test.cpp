@@ -64,10 +64,10 @@ TEST(ReadXmlFile, NestingAndEndlessInputAreBounded) {
   const auto nested = [](int depth, const std::string& level_text) {
     std::string open, close;
     for (int level = 0; level < depth; ++level)
-      open += "<a x =\"/>\" y= '>'>" + level_text, close += "</a >";
+      open += "<a x =\"/>a\" y= '>'>" + level_text, close += "</a >";
     return open + close;
   };
-  const std::string inside = "<!-- <b> --><![CDATA[<c>]]><?p <d> ?><!ELEMENT [<e>><f/>text";
+  const std::string inside = "<!--<b>--><![CDATA[<c>]]><?p <d>?><!ELEMENT[<e>><f/>text<![CDATA[]]>";
   const std::pair<std::string, bool> cases[] = {
       {nested(max_xml_depth, inside), true},
       {"<?\?>" + nested(max_xml_depth + 1, inside), false},
