@@ -48,7 +48,6 @@ TEST_F(Merge, EachPolicyCombinesTheFurtherFileIntoTheReceiver) {
        {"-names=b", "-names=c", "-hard_b", "-over_b"},
        {{T::NAMES, 3, "a,b,c"}, {T::OVER_A, 1, ""}}},
       // max and min compare one-of words by their place in the list (red, crimson, green)
-      {{"-color=red"}, {"-color=crimson"}, {{T::COLOR, 2, "crimson"}}},
       {{"-color=crimson"}, {"-color=red"}, {{T::COLOR, 1, "crimson"}}},
       {{"-color=crimson"}, {"-color=green"}, {{T::COLOR, 2, "green"}}},
       {{"-level=4"}, {"-level=2"}, {{T::LEVEL, 2, "2"}}},
@@ -88,9 +87,10 @@ TEST_F(Merge, EachPolicyCombinesTheFurtherFileIntoTheReceiver) {
     expect_facts(receiver, c.after);
   }
   T bare(false), further;  // a custom policy leaves alone an option that one side lacks
+  bare.setarg(T::COLOR, 99L), further.process_option("-color=green", nullptr);  // 99: past all
   bare.merge_options(further);
   EXPECT_EQ(bare.error_count, 0);
-  expect_facts(bare, {{T::KEEP, 0, ""}});
+  expect_facts(bare, {{T::KEEP, 0, ""}, {T::COLOR, 1, "99"}});
 }
 
 // The accumulating object (opts) and a further file (other).
