@@ -165,6 +165,9 @@ TEST(FileNames, FilesOnDisk) {
   EXPECT_EQ(fn_rename(a.c_str(), across.c_str()), 1);
   EXPECT_EQ(read_file(across), big);
   EXPECT_TRUE(fn_exists(a.c_str()));
+  const std::string full = shm.file("full");  // /dev/full behind a link takes no copy
+  ASSERT_EQ(symlink("none", b.c_str()) + symlink("/dev/full", full.c_str()), 0);  // b: to nothing
+  EXPECT_EQ(fn_rename(b.c_str(), across.c_str()) + fn_rename(a.c_str(), full.c_str()), 0);
 }
 
 // Leaves the process no memory for even a small allocation.
