@@ -26,7 +26,7 @@ TEST(Version, ComposedTexts) {
 TEST(BuildId, EncodesDayHourAndBranch) {
   const char* const cases[][4] = {
       {"Nov 17 2025", "12:09:29", "Main", "1ZLHM-E1I-CCCCC-WAR-MN"},
-      {"Nov  7 2025", "00:00:00", "Main", "1ZL7A-E1I-CCCCC-WAR-MN"},
+      {"Nov  9 2025", "00:00:00", "Main", "1ZL9A-E1I-CCCCC-WAR-MN"},
       {"Jan 10 2026", "24:00:00", "Main", "1ZLAA-E1I-CCCCC-WAR-MN"},
       {"Nov 17 2025", "12:09:29", "RELEASE_9z", "1ZLHM-E1I-CCCCC-WAR-RL_Z9ZZ"},
       {"Nov 17 2025", "12:09:29", "rel.kx", "1ZLHM-E1I-CCCCC-WAR-RE.AN"},
