@@ -145,8 +145,7 @@ char* option_engine::print() const {
   for (int* id = ids; *id != static_cast<int>(table_->n); ++id) {
     int count = getargcount(*id);
     for (int i = 0; i < (count ? count : 1); ++i) {
-      char* text = export_option(*id, i);
-      if (!text) continue;
+      char* text = export_option(*id, i);  // never null: the option is set, i within its count
       if (!line.empty()) line += ' ';
       line += text;
       std::free(text);
