@@ -25,7 +25,7 @@ TEST_F(UserMsgTest, FormsFormatTheirTextAndPutThePositionFirst) {
   umsg.warning(17u, "unused %s", "x");
   umsg.error("bad value %d", 4);
   umsg.apperror("state %u", 2u);
-  umsg.remark("r");
+  umsg.remark("%s", "");  // an empty text
   umsg.advice("a");
   umsg.debug("value %d", 3);
   DIAG_SRCINFO_DATA where("in.txt", 4, 0, false);
@@ -36,7 +36,7 @@ TEST_F(UserMsgTest, FormsFormatTheirTextAndPutThePositionFirst) {
               MatchesRegex("warning: unused x\n"
                            "error: bad value 4\n"
                            "DIAG/user_msg_api:[0-9]+:internal error #99924: \\(state 2\\)\n"
-                           "remark: r\n"
+                           "remark: \n"
                            "advice #99927: a\n"
                            "DIAG/user_msg_api:[0-9]+:internal debug #99920: \\(value 3\\)\n"
                            "\"in.txt\", line 4: error: e\n"
