@@ -75,9 +75,10 @@ TEST_F(CoreTest, AllocCopiesFieldsAndPositionAndEqualityIgnoresArgumentsAndAppro
   EXPECT_TRUE(copy->is_equal(original.get()) && copy->is_equal(&other_args));
   EXPECT_FALSE(copy->is_equal(&moved) || copy->is_equal(&other_row));
   EXPECT_FALSE(copy->srcinfo->is_equal(&next_column));
-  original.reset();
+  original.reset(), DIAGNOSTIC::display_code_m = true;  // the code counts too
   const size_t printed = static_cast<size_t>(copy->report());  // all of it but the line end
-  EXPECT_EQ(output(), "\"a.c\", line 4: error: option -x conflicts with previous option -y\n");
+  EXPECT_EQ(output(),
+            "\"a.c\", line 4: error #24002-D: option -x conflicts with previous option -y\n");
   EXPECT_EQ(printed, output().size() - 1);
 }
 

@@ -67,8 +67,8 @@ TEST(OpenCommandFile, RefusesDirectoriesAndNestingAndTakesAnyDescriptor) {
 
 // The other aborts are the end-to-end cases'; exit(-1) reaches the parent as 255.
 TEST(FnextoptDeathTest, QuoteExcerptShowsLineEndsAndTabsEscaped) {
-  EXPECT_EXIT(tokens("pre\"a\tb\nc"), testing::ExitedWithCode(255),
-              "Quote starts at \"a\\\\tb\\\\nc\n$");
+  EXPECT_EXIT(tokens("pre\"a\tb\nc1234567890123456789012345+"), testing::ExitedWithCode(255),
+              "Quote starts at \"a\\\\tb\\\\nc1234567890123456789012345\n$");  // 30 characters
 }
 
 }  // namespace
