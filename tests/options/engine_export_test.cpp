@@ -72,8 +72,7 @@ TEST_F(Export, DumpsShowStateAndHistory) {
   });
   EXPECT_TRUE(contains(out, "--color                    ENUMERATED ARG: green\n"));
   EXPECT_TRUE(contains(out, "--zip                      STRING ARG: <arg not provided>\n"));
-  EXPECT_TRUE(contains(out, "--keep=high\n--color=green\n--zip\n"));
-  EXPECT_TRUE(contains(out, "=x.c\n"));
+  EXPECT_TRUE(contains(out, "--keep=high\n--color=green\n--zip\n--input_file=x.c\n"));
 }
 
 }  // namespace
