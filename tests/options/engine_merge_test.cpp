@@ -87,10 +87,10 @@ TEST_F(Merge, EachPolicyCombinesTheFurtherFileIntoTheReceiver) {
     expect_facts(receiver, c.after);
   }
   T bare(false), further;  // a custom policy leaves alone an option that one side lacks
-  bare.setarg(T::COLOR, 99L), further.process_option("-color=green", nullptr);  // 99: past all
+  bare.setarg(T::COLOR, 99L), further.process_option("-color=green", nullptr);  // max: 99 or green
   bare.merge_options(further);
   EXPECT_EQ(bare.error_count, 0);
-  expect_facts(bare, {{T::KEEP, 0, ""}, {T::COLOR, 1, "99"}});
+  expect_facts(bare, {{T::KEEP, 0, ""}, {T::COLOR, 1, "99"}});  // no item has 99: ranked last
 }
 
 // The accumulating object (opts) and a further file (other).
